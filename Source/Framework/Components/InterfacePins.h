@@ -1,0 +1,11 @@
+// The InterfacePins component. Its operations are declared as the services that
+// call them are built; the getter answers from library load on.
+#pragma once
+
+#include <cstdint>
+
+#include "PlatformApi.h"
+
+struct InterfacePinsComponent {};
+
+VOXTREL_PLATFORM_API uint32_t Voxtrel_GetInterfacePins(const InterfacePinsComponent** table);

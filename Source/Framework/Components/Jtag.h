@@ -1,0 +1,11 @@
+// The Jtag component. Its operations are declared as the services that
+// call them are built; the getter answers from library load on.
+#pragma once
+
+#include <cstdint>
+
+#include "PlatformApi.h"
+
+struct JtagComponent {};
+
+VOXTREL_PLATFORM_API uint32_t Voxtrel_GetJtag(const JtagComponent** table);

@@ -1,0 +1,120 @@
+// The first client's and the last client's work, and the state they share.
+#include <string>
+
+#include "ConnectionState.h"
+#include "DataStore.h"
+#include "EventBroker.h"
+#include "InProc_BitData.h"
+#include "InProc_General.h"
+#include "InProc_RunControl.h"
+#include "RunControl.h"
+#include "StatePort.h"
+#include "TargetManager.h"
+#include "frame/TraceLine.h"
+
+namespace vxt {
+
+ConnectionState& ConnectionState::Get() {
+  static ConnectionState state;
+  return state;
+}
+
+void ConnectionState::ReplaceTopologySubscription() {
+  auto fresh = std::make_unique<TopologySubscription>(
+      [](const char*, const void*) { EnsureRunControlInitialized(); });
+  std::unique_ptr<TopologySubscription> former;
+  {
+    std::lock_guard lock(topologySubscriptionMutex);
+    former = std::exchange(topologySubscription, std::move(fresh));
+  }
+  // `former` unsubscribes here, outside the guard.
+}
+
+void ConnectionState::DropTopologySubscription() {
+  std::unique_ptr<TopologySubscription> former;
+  {
+    std::lock_guard lock(topologySubscriptionMutex);
+    former = std::move(topologySubscription);
+  }
+}
+
+uint32_t EnsureRunControlInitialized() {
+  InProc_RunControl& service = InProc_RunControl::Instance();
+  const uint32_t code = Voxtrel_GetRunControl(&service.runControl);
+  if (code != 0 || service.isComponentInitialized || service.runControl == nullptr) return code;
+  const uint32_t initialized = service.runControl->Initialize();
+  if (initialized == 0) service.isComponentInitialized = true;
+  return initialized;
+}
+
+uint32_t DoFirstClientWork() {
+  const EventBrokerComponent* broker = nullptr;
+  if (const uint32_t code = Voxtrel_GetEventBroker(&broker); code != 0) return code;
+  if (broker != nullptr) broker->Initialize();
+
+  DataStore::Get().SetNotificationCallback(
+      [](const std::string& text) { Voxtrel_PublishMessageEvent(1, text.c_str()); });
+  return 0;
+}
+
+namespace {
+
+// Stops what the first client and FinishInitialization started, from the
+// event service to the state port component. Stops at the first failure.
+uint32_t StopServices() {
+  uint32_t code = 0;
+
+  InProc_General& general = InProc_General::Instance();
+  if (general.closeCallbackSubscribed) {
+    if (general.eventBroker != nullptr)
+      code = general.eventBroker->Unsubscribe("Client", &InProc_General::_ClientCloseCallback, nullptr);
+    general.closeCallbackSubscribed = false;
+  }
+
+  InProc_RunControl& runControl = InProc_RunControl::Instance();
+  if (code == 0 && runControl.runControl != nullptr) {
+    code = runControl.runControl->Uninitialize();
+    runControl.isComponentInitialized = false;
+  }
+
+  if (code == 0) {
+    const StatePortComponent* statePort = nullptr;
+    code = Voxtrel_GetStatePort(&statePort);
+    if (code == 0 && statePort != nullptr) code = statePort->Uninitialize();
+  }
+  return code;
+}
+
+// Stops the target side and the broker.
+uint32_t StopPlatform(ConnectionState& state) {
+  const TargetManagerComponent* targetManager = nullptr;
+  uint32_t code = Voxtrel_GetTargetManager(&targetManager);
+  if (code == 0 && targetManager != nullptr) code = targetManager->Uninitialize();
+
+  DataStore::Get().SetNotificationCallback({});
+  state.DropTopologySubscription();
+
+  if (code == 0) {
+    const EventBrokerComponent* broker = nullptr;
+    code = Voxtrel_GetEventBroker(&broker);
+    if (code == 0 && broker != nullptr) code = broker->Uninitialize();
+  }
+  return code;
+}
+
+}  // namespace
+
+uint32_t DoLastClientWork() {
+  ConnectionState& state = ConnectionState::Get();
+  std::lock_guard initializationLock(state.initializationMutex);
+  frame::NestedTraceLine(state.connectionLogger, 2, 1, "Begin Uninitialization");
+
+  const uint32_t firstCode = StopServices();
+  const uint32_t secondCode = StopPlatform(state);
+
+  state.isInitialized = false;
+  frame::NestedTraceLine(state.connectionLogger, 2, -1, "End Uninitialization");
+  return firstCode != 0 ? firstCode : secondCode;
+}
+
+}  // namespace vxt

@@ -1,0 +1,20 @@
+// The Initialization service object.
+#pragma once
+
+#include "TargetManager.h"
+#include "SingletonService.h"
+#include "frame/ServiceLogger.h"
+
+namespace vxt {
+
+class InProc_Initialization : public SingletonService<InProc_Initialization> {
+ public:
+  InProc_Initialization();
+  static InProc_Initialization& Instance();
+
+  frame::ServiceLogger logger;
+  // Component tables. Bound when the library is loaded.
+  const TargetManagerComponent* targetManager = nullptr;
+};
+
+}  // namespace vxt

@@ -1,0 +1,16 @@
+#include "InProc_JtagAccess.h"
+
+namespace vxt {
+namespace {
+InProc_JtagAccess instance;
+}  // namespace
+
+InProc_JtagAccess::InProc_JtagAccess() {
+  // The component is there from load on; the result is looked at by the
+  // operations, which find a null table when it failed.
+  Voxtrel_GetJtag(&jtag);
+}
+
+InProc_JtagAccess& InProc_JtagAccess::Instance() { return instance; }
+
+}  // namespace vxt

@@ -1,0 +1,226 @@
+// The call frame: what every service operation does around its own work.
+//
+// An operation is written as its site, its trace arguments and a body made of
+// its checks and its core:
+//
+//   VXT_Result InProc_General::GetNumConnectedClients(uint32_t* numConnectedClients) {
+//     return RunOperation(logger, VXT_OPERATION(General, GetNumConnectedClients),
+//         TraceArgs(), TraceArgs("numConnectedClients", Out<Dec>(numConnectedClients)),
+//         [&](Call& call) {
+//           return call.NotNull(numConnectedClients, "numConnectedClients")
+//               .Core(common, [&](const CommonComponent& c) { return c.GetNumConnectedClients(numConnectedClients); });
+//         });
+//   }
+//
+// RunOperation writes the In line, counts the call, opens the error context,
+// runs the body inside a catch-all, posts the check's text, translates a
+// failure into the public code and the thread's last error, writes the error
+// and Out lines and closes the context on every path. Nothing is rendered
+// while a level is off, and the message stream is made only when a check or
+// core writes to it.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+#include "Error.h"
+#include "frame/CountMethodCall.h"
+#include "frame/ErrorContext.h"
+#include "frame/InternalCodes.h"
+#include "frame/LastError.h"
+#include "frame/OperationSite.h"
+#include "frame/Render.h"
+#include "frame/TraceLine.h"
+#include "frame/TranslateErrorCode.h"
+
+namespace vxt::frame {
+
+// "InProc_<Service>::<Op>()", the prefix of a check's text.
+struct OperationPrefix {
+  const OperationSite& site;
+  friend std::ostream& operator<<(std::ostream& out, const OperationPrefix& prefix) {
+    return out << "InProc_" << prefix.site.service << "::" << prefix.site.operation << "()";
+  }
+};
+
+// The state of one call, handed to the operation's body. Checks run in the
+// order written; the first that fails sets the code and the message, and
+// every later check and the core do nothing.
+class Call {
+ public:
+  explicit Call(const OperationSite& site) : site_(site) {}
+  Call(const Call&) = delete;
+  Call& operator=(const Call&) = delete;
+
+  bool failed() const { return code_ != code::kSuccess; }
+  uint32_t code() const { return code_; }
+  const OperationSite& site() const { return site_; }
+  OperationPrefix prefix() const { return OperationPrefix{site_}; }
+
+  // The call's message stream, made on first use.
+  std::ostream& message() {
+    if (!message_) message_.emplace();
+    return *message_;
+  }
+
+  // Fails the call with `failure` and the text made of `parts`, unless it
+  // failed already.
+  template <class... Parts>
+  Call& Fail(uint32_t failure, const Parts&... parts) {
+    if (!failed()) {
+      code_ = failure;
+      (message() << ... << parts);
+    }
+    return *this;
+  }
+
+  template <class... Parts>
+  Call& Require(bool condition, uint32_t failure, const Parts&... parts) {
+    if (!condition) Fail(failure, parts...);
+    return *this;
+  }
+
+  // "InProc_<Service>::<Op>() argument error (<argument>) : <what>"
+  Call& ArgumentError(uint32_t failure, const char* argument, const char* what) {
+    return Fail(failure, prefix(), " argument error (", argument, ") : ", what);
+  }
+
+  Call& NotNull(const void* pointer, const char* argument) {
+    if (pointer == nullptr) ArgumentError(code::kInvalidArgument, argument, "Null pointer");
+    return *this;
+  }
+
+  // A record whose structureSize is not `expected`; a null record passes
+  // (its null check stands on its own).
+  template <class Record>
+  Call& StructureSize(const Record* record, uint32_t expected, const char* argument) {
+    if (record != nullptr && record->structureSize != expected)
+      ArgumentError(code::kStructureSize, argument, "Structure size not initialized");
+    return *this;
+  }
+
+  // Runs `core` unless a check failed; its result is the call's code.
+  template <class Core>
+  uint32_t Core(Core&& core) {
+    if (!failed()) Settle(std::forward<Core>(core)());
+    return code_;
+  }
+
+  // Runs `core` on a component table. A table that is not bound yet fails
+  // the call with "Error no connection to component" instead of crashing.
+  template <class Table, class Core>
+  uint32_t Core(const Table* table, Core&& core) {
+    if (!failed() && table == nullptr) Fail(code::kException, prefix(), " Error no connection to component");
+    if (!failed()) Settle(std::forward<Core>(core)(*table));
+    return code_;
+  }
+
+  // The frame's own steps.
+  void Settle(uint32_t result) {
+    if (!failed()) code_ = result;
+  }
+  void Threw() {
+    code_ = code::kException;
+    Voxtrel_ErrorPostError(code::kException, "", site_.file, site_.line);
+  }
+  void PostMessage() {
+    if (!failed() || !message_) return;
+    const std::string text = message_->str();
+    if (!text.empty()) Voxtrel_ErrorPostError(code_, text.c_str(), site_.file, site_.line);
+  }
+
+ private:
+  const OperationSite& site_;
+  uint32_t code_ = code::kSuccess;
+  std::optional<std::ostringstream> message_;
+};
+
+// The argument part of a line with no argument.
+struct NoArgs {
+  friend std::ostream& operator<<(std::ostream& out, NoArgs) { return out; }
+};
+
+template <class Args>
+struct InLine {
+  const OperationSite& site;
+  const Args& args;
+  friend std::ostream& operator<<(std::ostream& out, const InLine& line) {
+    return out << "In  InProc_" << line.site.service << "::" << line.site.operation << "(" << line.args << ")";
+  }
+};
+
+template <class Args>
+struct OutLine {
+  const OperationSite& site;
+  const Args& args;
+  int32_t publicCode;
+  friend std::ostream& operator<<(std::ostream& out, const OutLine& line) {
+    return out << "Out InProc_" << line.site.service << "::" << line.site.operation << "(" << line.args
+               << ") ErrorCode = " << Hex8{line.publicCode};
+  }
+};
+
+namespace detail {
+
+template <class Body>
+void RunBody(Call& call, Body& body) {
+  try {
+    if constexpr (std::is_void_v<std::invoke_result_t<Body&, Call&>>) {
+      body(call);
+    } else {
+      call.Settle(body(call));
+    }
+  } catch (...) {
+    call.Threw();
+  }
+}
+
+template <class OutArgs, class Body>
+int32_t RunInContext(const ServiceLogger& logger, const OperationSite& site, Voxtrel_ErrorContext context,
+                     const OutArgs& out, Body& body) {
+  Call call(site);
+  RunBody(call, body);
+  call.PostMessage();
+
+  int32_t publicCode = 0;
+  if (call.failed()) {
+    publicCode = TranslateErrorCode(call.code());
+    const std::string message = MessageForCode(context, call.code());
+    if (!message.empty()) TraceLine(logger, 2, "VXT Error = '", message, "'", kTrailer);
+    ReportErrorMessage(nullptr, message.c_str());
+  }
+
+  if (site.outTrailer) {
+    TraceLine(logger, site.outLevel, OutLine<OutArgs>{site, out, publicCode}, kTrailer);
+  } else {
+    TraceLine(logger, site.outLevel, OutLine<OutArgs>{site, out, publicCode});
+  }
+  return publicCode;
+}
+
+}  // namespace detail
+
+// Runs one service operation through the frame and returns its public code.
+// `in` and `out` are the trace arguments of the In and Out lines; they hold
+// values and pointers and are rendered only when their line is written, the
+// Out arguments after the body has run.
+template <class InArgs, class OutArgs, class Body>
+int32_t RunOperation(const ServiceLogger& logger, const OperationSite& site, const InArgs& in, const OutArgs& out,
+                     Body&& body) {
+  if (site.contextFirst) {
+    const ErrorContextScope context;
+    TraceLine(logger, 1, InLine<InArgs>{site, in}, kTrailer);
+    if (site.counted) CountCall(site.method);
+    return detail::RunInContext(logger, site, context.id(), out, body);
+  }
+  TraceLine(logger, 1, InLine<InArgs>{site, in}, kTrailer);
+  if (site.counted) CountCall(site.method);
+  const ErrorContextScope context;
+  return detail::RunInContext(logger, site, context.id(), out, body);
+}
+
+}  // namespace vxt::frame

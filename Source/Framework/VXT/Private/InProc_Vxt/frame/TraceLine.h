@@ -1,0 +1,52 @@
+// The one routine through which every trace line of the library goes.
+//
+// A line is given as the pieces that make it up (literals, values, rendering
+// helpers) and is rendered only when its level is enabled and logging is not
+// suppressed; otherwise the cost is the two checks.
+#pragma once
+
+#include <cstdint>
+#include <ostream>
+#include <sstream>
+
+#include "Common.h"
+#include "Logging.h"
+#include "frame/ServiceLogger.h"
+
+namespace vxt::frame {
+
+inline bool IsTraceOn(const ServiceLogger& logger, uint32_t level) {
+  return Voxtrel_LoggingIsLogEnabled(logger.handle, level) && !Voxtrel_LoggingIsLoggingSuppressed();
+}
+
+// " [ClientID: <id>]": the calling thread's client, fetched when rendered.
+struct ClientIdTrailer {
+  friend std::ostream& operator<<(std::ostream& out, ClientIdTrailer) {
+    const CommonComponent* common = nullptr;
+    int32_t clientId = 0;
+    Voxtrel_GetCommon(&common);
+    if (common != nullptr) common->GetClientId(&clientId);
+    return out << " [ClientID: " << std::dec << clientId << "]";
+  }
+};
+inline constexpr ClientIdTrailer kTrailer{};
+
+template <class... Pieces>
+void RenderAndLog(const ServiceLogger& logger, uint32_t level, int32_t nesting, const Pieces&... pieces) {
+  std::ostringstream line;
+  (line << ... << pieces);
+  Voxtrel_LoggingLog(logger.handle, level, line.str().c_str(), nesting);
+}
+
+template <class... Pieces>
+void TraceLine(const ServiceLogger& logger, uint32_t level, const Pieces&... pieces) {
+  if (IsTraceOn(logger, level)) RenderAndLog(logger, level, 0, pieces...);
+}
+
+// A line that opens (nesting 1) or closes (-1) a nested stretch.
+template <class... Pieces>
+void NestedTraceLine(const ServiceLogger& logger, uint32_t level, int32_t nesting, const Pieces&... pieces) {
+  if (IsTraceOn(logger, level)) RenderAndLog(logger, level, nesting, pieces...);
+}
+
+}  // namespace vxt::frame

@@ -1,0 +1,2 @@
+// The service interfaces, one header each.
+#pragma once

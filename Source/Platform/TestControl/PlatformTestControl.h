@@ -1,0 +1,121 @@
+// Test control of the simulated platform.
+//
+// Tests and tools use this header to watch and steer the platform: capture
+// trace lines and telemetry, record how component operations are called, and
+// make any operation return a code, post a message or throw. None of this is
+// visible to the interface library, which calls the platform as it would call
+// the real one.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "PlatformApi.h"
+
+namespace voxtrel::testing {
+
+// ---- Trace -------------------------------------------------------------------
+
+struct TraceLine {
+  uint32_t stream = 0;
+  uint32_t level = 0;
+  std::string text;
+  int32_t nesting = 0;
+
+  friend bool operator==(const TraceLine&, const TraceLine&) = default;
+};
+
+// Lowest level written, for every stream (1 writes everything; 5 nothing).
+VOXTREL_PLATFORM_API void SetLogLevel(uint32_t lowestLevel);
+VOXTREL_PLATFORM_API void SetLoggingSuppressed(bool suppressed);
+VOXTREL_PLATFORM_API void SetUsageLogging(bool on);
+// While capturing, every line the Logging library writes is also kept here.
+VOXTREL_PLATFORM_API void StartTraceCapture();
+VOXTREL_PLATFORM_API std::vector<TraceLine> CapturedTrace();
+// Texts only, in order.
+VOXTREL_PLATFORM_API std::vector<std::string> CapturedTraceTexts();
+VOXTREL_PLATFORM_API void ClearCapturedTrace();
+
+struct UsageLine {
+  std::string stream;
+  std::string event;
+  std::string text;
+
+  friend bool operator==(const UsageLine&, const UsageLine&) = default;
+};
+VOXTREL_PLATFORM_API std::vector<UsageLine> CapturedUsage();
+
+// ---- Telemetry ------------------------------------------------------------
+
+// One call into the Telemetry library, e.g.
+// {"BuildDataSet", {"Client_Connect", "clientid", "0x00000007"}}.
+struct TelemetryCall {
+  std::string function;            // BeginSession, BuildDataSet, SendEvent, EndSession, CountEvent
+  std::vector<std::string> args;   // The string arguments, in order
+
+  friend bool operator==(const TelemetryCall&, const TelemetryCall&) = default;
+};
+VOXTREL_PLATFORM_API std::vector<TelemetryCall> TelemetryCalls();
+VOXTREL_PLATFORM_API void ClearTelemetryCalls();
+
+// A sent event with the fields built for it since the last send of that name.
+struct TelemetryEvent {
+  std::string session;
+  std::string event;
+  std::vector<std::pair<std::string, std::string>> fields;
+
+  friend bool operator==(const TelemetryEvent&, const TelemetryEvent&) = default;
+};
+VOXTREL_PLATFORM_API std::vector<TelemetryEvent> SentTelemetryEvents();
+// Current value of a counter, e.g. ("Server_Lifespan", "VXT_Call", "Method", "General::FlushLogs").
+VOXTREL_PLATFORM_API uint64_t TelemetryCounter(const std::string& session, const std::string& event,
+                                               const std::string& key, const std::string& value);
+
+// ---- Component operations -------------------------------------------------
+
+// Operations are named "<Component>.<Operation>", e.g. "Common.RegisterClient",
+// or by their function name for libraries, e.g. "Voxtrel_GetCommon".
+struct RecordedCall {
+  std::string operation;
+  std::string arguments;  // The arguments as the operation renders them, e.g. "clientId=7"
+
+  friend bool operator==(const RecordedCall&, const RecordedCall&) = default;
+};
+VOXTREL_PLATFORM_API void StartRecordingCalls();
+VOXTREL_PLATFORM_API std::vector<RecordedCall> RecordedCalls();
+// Operation names only, in call order.
+VOXTREL_PLATFORM_API std::vector<std::string> RecordedOperations();
+VOXTREL_PLATFORM_API size_t CallCount(const std::string& operation);
+
+// What an operation does instead of its work. An operation with a behaviour
+// set posts `postText` (when not empty) with `postCode` (or `returnCode` when
+// postCode is 0), then throws if asked, then returns `returnCode`.
+struct Behaviour {
+  uint32_t returnCode = 0;
+  std::string postText;
+  uint32_t postCode = 0;
+  bool throwException = false;
+  // Applies to this many calls, then the operation works again; 0: until cleared.
+  uint32_t times = 0;
+};
+VOXTREL_PLATFORM_API void SetBehaviour(const std::string& operation, const Behaviour& behaviour);
+// Shorthand: the operation fails with `code` and posts nothing.
+VOXTREL_PLATFORM_API void FailWith(const std::string& operation, uint32_t code);
+VOXTREL_PLATFORM_API void ClearBehaviour(const std::string& operation);
+
+// ---- Events ---------------------------------------------------------------
+
+// Publishes through the EventBroker as a component would; any name and data,
+// null data included.
+VOXTREL_PLATFORM_API uint32_t PublishBrokerEvent(const std::string& typeName, const std::string& eventName,
+                                                 const void* data);
+VOXTREL_PLATFORM_API size_t BrokerSubscriberCount(const std::string& typeName);
+
+// ---- Whole platform ---------------------------------------------------------
+
+// Back to the state of a fresh process for everything above: no capture,
+// no recording, no behaviours, logging as configured by the environment.
+VOXTREL_PLATFORM_API void ResetTestControl();
+
+}  // namespace voxtrel::testing
