@@ -10,3 +10,4 @@
 #include "VXT_Exports.h"
 #include "VXT_ServiceIds.h"
 #include "VXT_Services.h"
+#include "VXT_Version.h"

@@ -1,2 +1,4 @@
-// The service interfaces, one header each.
+// The service interfaces that GetService hands out.
 #pragma once
+
+#include "IInternalService_General.h"

@@ -66,6 +66,7 @@ uint32_t StopServices() {
 
   InProc_General& general = InProc_General::Instance();
   if (general.closeCallbackSubscribed) {
+    InProc_General::_ClearRegions();
     if (general.eventBroker != nullptr)
       code = general.eventBroker->Unsubscribe("Client", &InProc_General::_ClientCloseCallback, nullptr);
     general.closeCallbackSubscribed = false;

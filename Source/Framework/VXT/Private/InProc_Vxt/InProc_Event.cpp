@@ -7,4 +7,9 @@ InProc_Event instance;
 
 InProc_Event& InProc_Event::Instance() { return instance; }
 
+uint32_t InterfacePortEventCallback(const void*) {
+  // Interface port events reach no subscriber until the event lists exist.
+  return 0;
+}
+
 }  // namespace vxt

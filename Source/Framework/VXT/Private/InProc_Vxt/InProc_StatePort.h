@@ -2,6 +2,8 @@
 #pragma once
 
 #include "StatePort.h"
+#include <cstdint>
+
 #include "SingletonService.h"
 #include "frame/ServiceLogger.h"
 
@@ -10,6 +12,10 @@ namespace vxt {
 class InProc_StatePort : public SingletonService<InProc_StatePort> {
  public:
   static InProc_StatePort& Instance();
+
+  // Binds the component table and starts the component. Runs inside
+  // FinishInitialization's error context; a non-zero result stops it.
+  uint32_t Initialize();
 
   frame::ServiceLogger logger;
   // Component tables. Bound by FinishInitialization.

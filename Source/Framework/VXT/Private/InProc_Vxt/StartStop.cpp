@@ -16,6 +16,7 @@
 #include "Telemetry.h"
 #include "TargetManager.h"
 #include "VXT_Exports.h"
+#include "frame/CatchAll.h"
 #include "frame/ErrorContext.h"
 #include "frame/InternalCodes.h"
 #include "frame/Render.h"
@@ -163,7 +164,8 @@ using namespace vxt;
 
 extern "C" VXT_Result StartNewInstance(VXT_Client* client, uint32_t isLocal, uint32_t hostingType, void* port) {
   const frame::ErrorContextScope context;
-  const uint32_t code = Connect(client, isLocal, hostingType, port);
+  const uint32_t code =
+      frame::CatchAll(__FILE__, __LINE__, [&] { return Connect(client, isLocal, hostingType, port); });
   VXT_Result publicCode = 0;
   if (code != 0) publicCode = frame::ReportFailure(context.id(), code).publicCode;
   StartTargetInitialization();
@@ -185,9 +187,12 @@ extern "C" VXT_Result Disconnect(uint32_t clientId) {
   Telemetry_SendEvent("Client_Lifespan", "Client_Disconnect");
   Telemetry_EndSession("Client_Lifespan");
 
-  const CommonComponent* common = nullptr;
-  Voxtrel_GetCommon(&common);
-  if (common != nullptr) common->UnregisterClient(clientId);
+  frame::CatchAll(__FILE__, __LINE__, [clientId]() -> uint32_t {
+    const CommonComponent* common = nullptr;
+    Voxtrel_GetCommon(&common);
+    if (common != nullptr) common->UnregisterClient(clientId);
+    return 0;
+  });
 
   std::lock_guard lock(state.connectionMutex);
   auto& clients = state.connectedClients;
@@ -195,7 +200,7 @@ extern "C" VXT_Result Disconnect(uint32_t clientId) {
 
   VXT_Result publicCode = 0;
   if (clients.empty()) {
-    if (const uint32_t code = DoLastClientWork(); code != 0)
+    if (const uint32_t code = frame::CatchAll(__FILE__, __LINE__, [] { return DoLastClientWork(); }); code != 0)
       publicCode = frame::ReportFailure(context.id(), code).publicCode;
   }
   frame::TraceLine(state.connectionLogger, 1, "Out InProc_Vxt::Disconnect() ErrorCode = ", frame::Hex8{publicCode});

@@ -153,14 +153,35 @@ struct InLine {
   }
 };
 
+// Out arguments written behind the parentheses, as in
+// "Out InProc_General::GetLoggingPresetNamesCount() numPresetNames = 4 ErrorCode = ...".
+template <class Args>
+struct BehindParentheses {
+  Args args;
+};
+template <class Args>
+BehindParentheses<Args> ArgsBehindParentheses(Args args) {
+  return BehindParentheses<Args>{std::move(args)};
+}
+
+template <class Args>
+struct IsBehindParentheses : std::false_type {};
+template <class Args>
+struct IsBehindParentheses<BehindParentheses<Args>> : std::true_type {};
+
 template <class Args>
 struct OutLine {
   const OperationSite& site;
   const Args& args;
   int32_t publicCode;
   friend std::ostream& operator<<(std::ostream& out, const OutLine& line) {
-    return out << "Out InProc_" << line.site.service << "::" << line.site.operation << "(" << line.args
-               << ") ErrorCode = " << Hex8{line.publicCode};
+    out << "Out InProc_" << line.site.service << "::" << line.site.operation;
+    if constexpr (IsBehindParentheses<Args>::value) {
+      out << "() " << line.args.args << " ErrorCode = ";
+    } else {
+      out << "(" << line.args << ") ErrorCode = ";
+    }
+    return out << Hex8{line.publicCode};
   }
 };
 

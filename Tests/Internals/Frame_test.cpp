@@ -1,0 +1,165 @@
+// The call frame, seen through a small service written with it.
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Common.h"
+#include "PlatformTestControl.h"
+#include "VxtTestSupport.h"
+#include "frame/Frame.h"
+#include "frame/LastError.h"
+
+namespace vxt {
+namespace {
+
+using namespace frame;
+namespace tc = voxtrel::testing;
+
+// A service of one operation: checks its out pointer and its record, then
+// asks the Common component for the number of clients.
+struct ProbeService {
+  ServiceLogger logger;
+  const CommonComponent* common = nullptr;
+
+  struct Record {
+    uint32_t structureSize;
+  };
+
+  VXT_Result Count(uint32_t deviceId, const Record* record, uint32_t* count) {
+    return RunOperation(logger, VXT_OPERATION(Probe, Count).Counted(), TraceArgs("deviceId", Hex8{deviceId}),
+                        TraceArgs("count", Out<Dec>(count)), [&](Call& call) {
+                          return call.NotNull(count, "count")
+                              .StructureSize(record, 8, "record")
+                              .Core(common, [&](const CommonComponent& c) { return c.GetNumConnectedClients(count); });
+                        });
+  }
+};
+
+class FrameTest : public test::PlatformTest {
+ protected:
+  void SetUp() override {
+    PlatformTest::SetUp();
+    Voxtrel_GetCommon(&probe.common);
+  }
+  ProbeService probe;
+  ProbeService::Record goodRecord{8};
+};
+
+TEST_F(FrameTest, SucceedingCallWritesInAndOutLinesAndLeavesTheLastError) {
+  ReportErrorMessage(nullptr, "earlier failure");
+  ClearTrace();
+  uint32_t count = 99;
+  EXPECT_EQ(probe.Count(1, &goodRecord, &count), 0);
+  EXPECT_EQ(count, 0u);
+  EXPECT_EQ(Trace(), (std::vector<std::string>{
+                         "In  InProc_Probe::Count(deviceId = 0x00000001) [ClientID: 0]",
+                         "Out InProc_Probe::Count(count = 0) ErrorCode = 0x00000000 [ClientID: 0]",
+                     }));
+  EXPECT_STREQ(LastErrorMessage(), "earlier failure");
+  EXPECT_EQ(tc::TelemetryCounter("Server_Lifespan", "VXT_Call", "Method", "Probe::Count"), 1u);
+}
+
+TEST_F(FrameTest, FailingCheckWritesItsLinesInOrderAndSkipsTheComponent) {
+  tc::StartRecordingCalls();
+  EXPECT_EQ(probe.Count(0xAB, &goodRecord, nullptr), static_cast<VXT_Result>(0x80000001));
+  const std::string message = "InProc_Probe::Count() argument error (count) : Null pointer";
+  EXPECT_EQ(Trace(), (std::vector<std::string>{
+                         "In  InProc_Probe::Count(deviceId = 0x000000ab) [ClientID: 0]",
+                         "VXT Error = '" + message + "' [ClientID: 0]",
+                         "In  InProc ReportErrorMessage(<NULL>'" + message + "')",
+                         "Out InProc ReportErrorMessage()",
+                         "Out InProc_Probe::Count(count = <NULL>) ErrorCode = 0x80000001 [ClientID: 0]",
+                     }));
+  EXPECT_EQ(LastErrorMessage(), message);
+  EXPECT_EQ(tc::CallCount("Common.GetNumConnectedClients"), 0u);
+}
+
+struct FailureCase {
+  const char* name;
+  const ProbeService::Record* record;
+  tc::Behaviour behaviour;
+  VXT_Result publicCode;
+  std::string lastError;  // Empty: the standing text of internalCode
+  uint32_t internalCode = 0;
+};
+
+class FrameFailureTest : public FrameTest, public ::testing::WithParamInterface<FailureCase> {};
+
+TEST_P(FrameFailureTest, GivesThePublicCodeAndTheMessage) {
+  const FailureCase& failure = GetParam();
+  tc::SetBehaviour("Common.GetNumConnectedClients", failure.behaviour);
+  uint32_t count = 0;
+  EXPECT_EQ(probe.Count(1, failure.record, &count), failure.publicCode);
+  const std::string expected =
+      failure.lastError.empty() ? Voxtrel_ErrorGetDefaultMessage(failure.internalCode) : failure.lastError;
+  EXPECT_EQ(LastErrorMessage(), expected);
+}
+
+const ProbeService::Record kGood{8};
+const ProbeService::Record kUnsized{0};
+
+INSTANTIATE_TEST_SUITE_P(
+    Failures, FrameFailureTest,
+    ::testing::Values(
+        FailureCase{"StructureSize", &kUnsized, {}, static_cast<VXT_Result>(0x80000010),
+                    "InProc_Probe::Count() argument error (record) : Structure size not initialized"},
+        FailureCase{"ComponentPosts", &kGood, {0x20002, "the component says why"}, static_cast<VXT_Result>(0x80000003),
+                    "the component says why"},
+        FailureCase{"ComponentThrows", &kGood, {0, "", 0, true}, static_cast<VXT_Result>(0x8000000f), "",
+                    0x20009},
+        FailureCase{"NoRowForCode", &kGood, {0x123456}, static_cast<VXT_Result>(0x8000000f), "", 0x123456}),
+    [](const auto& info) { return info.param.name; });
+
+TEST_F(FrameTest, ComponentFailingWithoutPostGivesTheCodesStandingText) {
+  tc::FailWith("Common.GetNumConnectedClients", 0x20002);
+  uint32_t count = 0;
+  EXPECT_EQ(probe.Count(1, &goodRecord, &count), static_cast<VXT_Result>(0x80000003));
+  EXPECT_STREQ(LastErrorMessage(), Voxtrel_ErrorGetDefaultMessage(0x20002));
+  EXPECT_STRNE(LastErrorMessage(), "");
+}
+
+TEST_F(FrameTest, ThrownExceptionShowsOnTheOutLine) {
+  tc::SetBehaviour("Common.GetNumConnectedClients", {0, "", 0, true});
+  uint32_t count = 0;
+  EXPECT_EQ(probe.Count(1, &goodRecord, &count), static_cast<VXT_Result>(0x8000000f));
+  EXPECT_EQ(Trace().back(), "Out InProc_Probe::Count(count = 0) ErrorCode = 0x8000000f [ClientID: 0]");
+}
+
+TEST_F(FrameTest, UnboundTableFailsWithNoConnection) {
+  probe.common = nullptr;
+  uint32_t count = 0;
+  EXPECT_EQ(probe.Count(1, &goodRecord, &count), static_cast<VXT_Result>(0x8000000f));
+  EXPECT_STREQ(LastErrorMessage(), "InProc_Probe::Count() Error no connection to component");
+}
+
+TEST_F(FrameTest, WithLoggingOffNothingIsRenderedAndNoClientIdFetched) {
+  tc::SetLogLevel(5);
+  tc::StartRecordingCalls();
+  uint32_t count = 0;
+  EXPECT_EQ(probe.Count(1, &goodRecord, &count), 0);
+  EXPECT_EQ(probe.Count(1, &goodRecord, nullptr), static_cast<VXT_Result>(0x80000001));
+  EXPECT_TRUE(Trace().empty());
+  EXPECT_EQ(tc::CallCount("Common.GetClientId"), 0u);
+}
+
+TEST_F(FrameTest, SuppressedLoggingRendersNothing) {
+  tc::SetLoggingSuppressed(true);
+  tc::StartRecordingCalls();
+  uint32_t count = 0;
+  EXPECT_EQ(probe.Count(1, &goodRecord, &count), 0);
+  EXPECT_TRUE(Trace().empty());
+  EXPECT_EQ(tc::CallCount("Common.GetClientId"), 0u);
+}
+
+TEST_F(FrameTest, ErrorContextOfTheCallDoesNotLeakIntoTheCaller) {
+  const ErrorContextScope outer;
+  uint32_t count = 0;
+  probe.Count(1, &goodRecord, nullptr);
+  EXPECT_EQ(GetContextMessage(outer.id()), "");
+  EXPECT_EQ(probe.Count(1, &goodRecord, &count), 0);
+}
+
+}  // namespace
+}  // namespace vxt
