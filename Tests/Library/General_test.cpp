@@ -1,0 +1,213 @@
+// The General service: identification, logging control, clients.
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "InProc_Vxt.h"
+#include "PlatformTestControl.h"
+#include "VxtTestSupport.h"
+
+namespace {
+
+namespace tc = voxtrel::testing;
+using vxt::test::MakeClient;
+
+constexpr VXT_Result kInvalidArgument = static_cast<VXT_Result>(0x80000001);
+
+class GeneralTest : public vxt::test::PlatformTest {
+ protected:
+  void SetUp() override {
+    PlatformTest::SetUp();
+    client = MakeClient(3, "tool_3@here");
+    ASSERT_EQ(StartNewInstance(&client, 1, 0, nullptr), 0);
+    ASSERT_EQ(FinishInitialization(), 0);
+    void* service = nullptr;
+    ASSERT_EQ(GetService(nullptr, VXT_Service_General, &service), 0);
+    general = static_cast<IInternalService_General*>(service);
+    ClearTrace();
+  }
+  void TearDown() override {
+    Disconnect(3);
+    PlatformTest::TearDown();
+  }
+
+  std::vector<std::string> PresetNames() {
+    uint32_t count = 0;
+    EXPECT_EQ(general->GetLoggingPresetNamesCount(&count), 0);
+    std::vector<std::vector<char>> buffers(count, std::vector<char>(VXT_LOGGING_PRESET_NAME_SIZE));
+    std::vector<char*> names;
+    for (auto& buffer : buffers) names.push_back(buffer.data());
+    EXPECT_EQ(general->GetLoggingPresetNames(count, names.data()), 0);
+    return {names.begin(), names.end()};
+  }
+
+  VXT_Client client{};
+  IInternalService_General* general = nullptr;
+};
+
+TEST_F(GeneralTest, NullPointersAreRefusedWithTheirOwnWording) {
+  struct Case {
+    std::function<VXT_Result(IInternalService_General&)> call;
+    std::string message;
+  };
+  const Case cases[] = {
+      {[](auto& g) { return g.GetImplementationVersion(nullptr); },
+       "InProc_General::GetImplementationVersion() argument error (version) : Null pointer"},
+      {[](auto& g) { return g.GetImplementationIdentifier(nullptr); },
+       "InProc_General::GetImplementationIdentifier() argument error (identifier) : Null pointer"},
+      {[](auto& g) { return g.GetLoggingPresetNamesCount(nullptr); },
+       "InProc_General::GetLoggingPresetNamesCount(): argument error (numPresetNames) : NULL pointer"},
+      {[](auto& g) { return g.GetLoggingPresetNames(0, nullptr); },
+       "InProc_General::GetLoggingPresetNames(): argument error (presetNames) : NULL pointer"},
+      {[](auto& g) { return g.GetLoadedLoggingPreset(nullptr); },
+       "InProc_General::GetLoadedLoggingPreset(): argument error (presetName) : NULL pointer"},
+      {[](auto& g) { return g.LoadLoggingPreset(nullptr); },
+       "InProc_General::LoadLoggingPreset(): argument error (presetName) : NULL pointer"},
+      {[](auto& g) { return g.WriteLogMessage(nullptr); },
+       "InProc_General::WriteLogMessage(): argument error (message) : NULL pointer"},
+      {[](auto& g) { return g.GetNumConnectedClients(nullptr); },
+       "InProc_General::GetNumConnectedClients(): argument error (numConnectedClients) : NULL pointer"},
+      {[](auto& g) { VXT_Client c{}; return g.GetConnectedClients(1, nullptr, &c); },
+       "InProc_General::GetConnectedClients(): argument error (numConnectedClients) : NULL pointer"},
+      {[](auto& g) { uint32_t n = 0; return g.GetConnectedClients(1, &n, nullptr); },
+       "InProc_General::GetConnectedClients(): argument error (connectedClients) : NULL pointer"},
+      {[](auto& g) { return g.AllocateSharedMemory(16, nullptr); },
+       "InProc_General::AllocateSharedMemory() argument error (handle) : Null pointer"},
+      {[](auto& g) { return g.GetSharedMemoryAddress(0, nullptr); },
+       "InProc_General::GetSharedMemoryAddress() argument error (address) : Null pointer"},
+      {[](auto& g) { return g.GetSharedMemoryIdentifier(1, nullptr); },
+       "InProc_General::GetSharedMemoryIdentifier() argument error (identifier) : Null pointer"},
+  };
+  for (const Case& refused : cases) {
+    EXPECT_EQ(refused.call(*general), kInvalidArgument) << refused.message;
+    EXPECT_EQ(GetLastErrorMessage(), refused.message);
+  }
+}
+
+TEST_F(GeneralTest, VersionNeedsItsStructureSize) {
+  VXT_Version version{};
+  version.major = 77;
+  EXPECT_EQ(general->GetImplementationVersion(&version), static_cast<VXT_Result>(0x80000010));
+  EXPECT_EQ(version.major, 77u);
+  EXPECT_STREQ(GetLastErrorMessage(),
+               "InProc_General::GetImplementationVersion() argument error (version) : Structure size not initialized");
+
+  version.structureSize = VXT_VERSION_SIZE;
+  ClearTrace();
+  EXPECT_EQ(general->GetImplementationVersion(&version), 0);
+  EXPECT_EQ((std::vector<uint32_t>{version.major, version.minor, version.build, version.classification}),
+            (std::vector<uint32_t>{1, 2011, 4508, 100}));
+  EXPECT_EQ(Trace(), (std::vector<std::string>{
+                         "In  InProc_General::GetImplementationVersion() [ClientID: 3]",
+                         "Out InProc_General::GetImplementationVersion(version = {major = 1 minor = 2011 build = "
+                         "4508 classification = 100}) ErrorCode = 0x00000000 [ClientID: 3]",
+                     }));
+}
+
+TEST_F(GeneralTest, IdentifierFillsTheWholeBuffer) {
+  char identifier[VXT_IMPLEMENTATION_IDENTIFIER_SIZE];
+  std::memset(identifier, 'z', sizeof identifier);
+  EXPECT_EQ(general->GetImplementationIdentifier(identifier), 0);
+  EXPECT_STREQ(identifier, "Voxtrel:Main (rev 650678)");
+  for (size_t i = std::strlen(identifier); i < sizeof identifier; ++i) EXPECT_EQ(identifier[i], '\0') << i;
+}
+
+TEST_F(GeneralTest, PresetsAreListedCountedAndLoaded) {
+  const std::vector<std::string> names = PresetNames();
+  ASSERT_GE(names.size(), 2u);
+
+  std::vector<char> buffer(VXT_LOGGING_PRESET_NAME_SIZE);
+  std::vector<char*> one{buffer.data()};
+  const auto count = static_cast<uint32_t>(names.size());
+  std::vector<char*> tooMany(count + 1, buffer.data());
+  EXPECT_EQ(general->GetLoggingPresetNames(0, one.data()), 0);
+  EXPECT_EQ(general->GetLoggingPresetNames(count + 1, tooMany.data()), static_cast<VXT_Result>(0x80000002));
+  EXPECT_STREQ(GetLastErrorMessage(),
+               "InProc_General::GetLoggingPresetNames(): argument error (numPresetNames) : value is greater than the "
+               "available number of names");
+
+  EXPECT_EQ(general->LoadLoggingPreset("no such preset"), static_cast<VXT_Result>(0x8000001e));
+  EXPECT_STREQ(GetLastErrorMessage(),
+               "InProc_General::LoadLoggingPreset(): argument error (presetName) : an unknown preset name was specified");
+
+  for (const std::string& name : names) {
+    EXPECT_EQ(general->LoadLoggingPreset(name.c_str()), 0) << name;
+    char loaded[VXT_LOGGING_PRESET_NAME_SIZE] = "";
+    EXPECT_EQ(general->GetLoadedLoggingPreset(loaded), 0);
+    EXPECT_EQ(loaded, name);
+  }
+  EXPECT_EQ(tc::TelemetryCounter("Server_Lifespan", "VXT_Call", "Method", "General::LoadLoggingPreset"),
+            names.size() + 1);
+}
+
+TEST_F(GeneralTest, PresetCountLineCarriesItsValueBehindTheParentheses) {
+  uint32_t count = 0;
+  EXPECT_EQ(general->GetLoggingPresetNamesCount(&count), 0);
+  EXPECT_EQ(Trace().back(), "Out InProc_General::GetLoggingPresetNamesCount() numPresetNames = " +
+                                std::to_string(count) + " ErrorCode = 0x00000000 [ClientID: 3]");
+}
+
+TEST_F(GeneralTest, UserMessageIsWrittenAtLevelTwoOnly) {
+  EXPECT_EQ(general->WriteLogMessage("hello"), 0);
+  EXPECT_EQ(Trace(), (std::vector<std::string>{
+                         "In  InProc_General::WriteLogMessage(message = 'hello') [ClientID: 3]",
+                         "USER MESSAGE: 'hello' [ClientID: 3]",
+                         "Out InProc_General::WriteLogMessage() ErrorCode = 0x00000000 [ClientID: 3]",
+                     }));
+  ClearTrace();
+  tc::SetLogLevel(3);
+  EXPECT_EQ(general->WriteLogMessage("quiet"), 0);
+  EXPECT_TRUE(Trace().empty());
+}
+
+TEST_F(GeneralTest, ConnectedClientsFillRecordsOfEitherSize) {
+  VXT_Client other = MakeClient(9, "other_9@there");
+  ASSERT_EQ(StartNewInstance(&other, 1, 0, nullptr), 0);
+
+  uint32_t count = 0;
+  EXPECT_EQ(general->GetNumConnectedClients(&count), 0);
+  EXPECT_EQ(count, 2u);
+
+  // A short record, then a long one, in one buffer.
+  std::vector<unsigned char> buffer(VXT_CLIENT_SHORT_SIZE + VXT_CLIENT_SIZE, 0);
+  const uint32_t longSize = VXT_CLIENT_SIZE;
+  std::memcpy(buffer.data() + VXT_CLIENT_SHORT_SIZE, &longSize, sizeof longSize);
+  auto* records = reinterpret_cast<VXT_Client*>(buffer.data());
+  EXPECT_EQ(general->GetConnectedClients(2, &count, records), 0);
+  EXPECT_EQ(count, 2u);
+  const auto* first = reinterpret_cast<const VXT_Client*>(buffer.data());
+  const auto* second = reinterpret_cast<const VXT_Client*>(buffer.data() + VXT_CLIENT_SHORT_SIZE);
+  EXPECT_EQ(first->clientId, 3u);
+  EXPECT_STREQ(first->identifier, "tool_3@here");
+  EXPECT_EQ(second->clientId, 9u);
+  EXPECT_STREQ(second->identifier, "other_9@there");
+  EXPECT_EQ(second->isLocal, 1);
+
+  VXT_Client bad[2]{};
+  bad[1].structureSize = 5;
+  EXPECT_EQ(general->GetConnectedClients(2, &count, bad), static_cast<VXT_Result>(0x80000010));
+  EXPECT_STREQ(GetLastErrorMessage(), "InProc_General::GetConnectedClients(): connectedClients[1] structureSize is: 5");
+  EXPECT_EQ(bad[0].clientId, 3u);  // Records before the bad one stay filled
+
+  ASSERT_EQ(Disconnect(9), 0);
+}
+
+TEST_F(GeneralTest, LogOperationsAreCountedComponentCalls) {
+  tc::StartRecordingCalls();
+  EXPECT_EQ(general->FlushLogs(), 0);
+  EXPECT_EQ(general->ClearLogs(), 0);
+  EXPECT_EQ(general->ArchiveLogs(), 0);
+  EXPECT_EQ(tc::CallCount("Common.FlushLogs"), 1u);
+  EXPECT_EQ(tc::CallCount("Common.ClearLogs"), 1u);
+  EXPECT_EQ(tc::CallCount("Common.ArchiveLogs"), 1u);
+  for (const char* method : {"General::FlushLogs", "General::ClearLogs", "General::ArchiveLogs"})
+    EXPECT_EQ(tc::TelemetryCounter("Server_Lifespan", "VXT_Call", "Method", method), 1u) << method;
+
+  tc::FailWith("Common.FlushLogs", 0x20002);
+  EXPECT_EQ(general->FlushLogs(), static_cast<VXT_Result>(0x80000003));
+}
+
+}  // namespace

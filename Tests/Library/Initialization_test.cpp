@@ -1,0 +1,221 @@
+// Configuration selection and FinishInitialization.
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "InProc_Vxt.h"
+#include "PlatformTestControl.h"
+#include "VxtTestSupport.h"
+
+namespace {
+
+namespace tc = voxtrel::testing;
+using vxt::test::MakeClient;
+using Strings = std::vector<std::string>;
+
+constexpr VXT_Result kInvalidArgument = static_cast<VXT_Result>(0x80000001);
+constexpr VXT_Result kNotSupported = static_cast<VXT_Result>(0x80000003);
+
+class InitializationTest : public vxt::test::PlatformTest {
+ protected:
+  void Connect() {
+    VXT_Client client = MakeClient(1, "tool_1@here");
+    ASSERT_EQ(StartNewInstance(&client, 1, 0, nullptr), 0);
+  }
+
+  static size_t SentEvents(const std::string& event) {
+    size_t count = 0;
+    for (const tc::TelemetryEvent& sent : tc::SentTelemetryEvents()) count += sent.event == event;
+    return count;
+  }
+
+  // Getters and start-up calls, in the order they were made.
+  static Strings StartUpCalls() {
+    Strings calls;
+    for (const std::string& operation : tc::RecordedOperations()) {
+      const bool getter = operation.rfind("Voxtrel_Get", 0) == 0;
+      const bool startUp = operation.find(".Initialize") != std::string::npos ||
+                           operation == "TargetManager.FinishInitialization" ||
+                           operation == "InterfacePort.SetEventCallback" || operation == "EventBroker.Subscribe";
+      if (getter || startUp) calls.push_back(operation);
+    }
+    return calls;
+  }
+};
+
+TEST_F(InitializationTest, NullPointersNeverReachTheComponent) {
+  struct Case {
+    std::function<VXT_Result()> call;
+    std::string message;
+  };
+  const char* names[] = {"a"};
+  const Case cases[] = {
+      {[] { return SelectConfigurationByFileName(nullptr); },
+       "VXT_SelectConfigurationByFileName was passed a null pointer"},
+      {[] { return SelectConfigurationByName(nullptr); }, "VXT_SelectConfigurationByName was passed a null pointer"},
+      {[] { return GetAvailableConfigurationCount(nullptr); },
+       "VXT_GetAvailableConfigurationCount was passed a null pointer"},
+      {[] { return GetAvailableConfigurations(1, nullptr); }, "VXT_GetAvailableConfigurations was passed a null pointer"},
+      {[&] { return SetConfigurationParameters(1, names, nullptr); },
+       "VXT_SetConfigurationParameters was passed a null pointer"},
+      {[&] { return SetConfigurationParameters(1, nullptr, names); },
+       "VXT_SetConfigurationParameters was passed a null pointer"},
+      {[] { return SetClientInfo("key", nullptr); }, "VXT_SetClienInfo was passed a null pointer"},
+      {[] { return SetClientInfo(nullptr, "value"); }, "VXT_SetClienInfo was passed a null pointer"},
+  };
+  tc::StartRecordingCalls();
+  for (const Case& refused : cases) {
+    EXPECT_EQ(refused.call(), kInvalidArgument) << refused.message;
+    EXPECT_EQ(GetLastErrorMessage(), refused.message);
+  }
+  for (const std::string& operation : tc::RecordedOperations())
+    EXPECT_NE(operation.rfind("Configuration.", 0), 0u) << operation;
+  EXPECT_EQ(SentEvents("Client_Info"), 0u);
+}
+
+TEST_F(InitializationTest, ForwardersTraceTheirArgumentsAndPassThemOn) {
+  const char* const none[] = {nullptr};
+  tc::StartRecordingCalls();
+  EXPECT_EQ(SetConfigurationParameters(0, none, none), 0);
+  uint32_t count = 0;
+  EXPECT_EQ(GetAvailableConfigurationCount(&count), 0);
+  EXPECT_GE(count, 1u);
+  EXPECT_EQ(Trace(), (Strings{
+                         "In  InProc_Vxt::SetConfigurationParameters(parameterCount = 0 parameterNames = <EMPTY> "
+                         "parameterValues = <EMPTY>) [ClientID: 0]",
+                         "Out InProc_Vxt::SetConfigurationParameters() ErrorCode = 0x00000000 [ClientID: 0]",
+                         "In  InProc_Vxt::GetAvailableConfigurationCount() [ClientID: 0]",
+                         "Out InProc_Vxt::GetAvailableConfigurationCount(configurationCount = " +
+                             std::to_string(count) + ") ErrorCode = 0x00000000 [ClientID: 0]",
+                     }));
+  EXPECT_EQ(tc::CallCount("Configuration.SetConfigurationParameters"), 1u);
+}
+
+TEST_F(InitializationTest, ComponentRefusalBecomesThePublicCodeAndItsMessage) {
+  EXPECT_NE(SelectConfigurationByName("no such configuration"), 0);
+  EXPECT_NE(std::string(GetLastErrorMessage()).find("no such configuration"), std::string::npos)
+      << GetLastErrorMessage();
+
+  tc::SetBehaviour("Configuration.SelectConfigurationByName", {0x20002, "refused for the test"});
+  EXPECT_EQ(SelectConfigurationByName("Default"), kNotSupported);
+  EXPECT_STREQ(GetLastErrorMessage(), "refused for the test");
+}
+
+TEST_F(InitializationTest, EachClientInfoSendsOneEventAndFinishSendsAnother) {
+  Connect();
+  EXPECT_EQ(SetClientInfo("tool", "vxt"), 0);
+  EXPECT_EQ(SetClientInfo("mode", "batch"), 0);
+  EXPECT_EQ(SentEvents("Client_Info"), 2u);
+  EXPECT_EQ(FinishInitialization(), 0);
+  EXPECT_EQ(SentEvents("Client_Info"), 3u);
+  EXPECT_EQ(SentEvents("Server_Initialization"), 1u);
+
+  tc::StartRecordingCalls();
+  EXPECT_EQ(FinishInitialization(), 0);  // Nothing to do, yet the events go out
+  EXPECT_EQ(tc::CallCount("TargetManager.FinishInitialization"), 0u);
+  EXPECT_EQ(SentEvents("Client_Info"), 4u);
+  EXPECT_EQ(SentEvents("Server_Initialization"), 2u);
+  Disconnect(1);
+}
+
+TEST_F(InitializationTest, ComponentsComeUpInTheirFixedOrder) {
+  Connect();
+  tc::SetLogLevel(5);  // Trace trailers would ask Common for the client id
+  tc::StartRecordingCalls();
+  ASSERT_EQ(FinishInitialization(), 0);
+  EXPECT_EQ(StartUpCalls(), (Strings{
+                                "Voxtrel_GetTargetManager", "TargetManager.FinishInitialization",
+                                // The topology event starts RunControl early.
+                                "Voxtrel_GetRunControl", "RunControl.Initialize",
+                                "Voxtrel_GetCommon", "Voxtrel_GetEventBroker", "EventBroker.Subscribe",
+                                "Voxtrel_GetRunControl",                                  // RunControl
+                                "Voxtrel_GetRunControl",                                  // RunControlConfiguration
+                                "Voxtrel_GetPlatformControl", "Voxtrel_GetRunControl",    // Break
+                                "Voxtrel_GetTargetManager",                               //
+                                "Voxtrel_GetRunControl", "Voxtrel_GetRunControl",         // Breakpoint, -Management
+                                "Voxtrel_GetRunControl", "Voxtrel_GetRunControl",         // Memory, Register
+                                "Voxtrel_GetStatePort", "StatePort.Initialize",           // StatePort
+                                "Voxtrel_GetPlatformControl",                             // PlatformControl
+                                "Voxtrel_GetInterfacePort", "InterfacePort.Initialize",   // InterfacePort
+                                "InterfacePort.SetEventCallback",                         //
+                                "Voxtrel_GetRunControl",                                  // AsmDasm
+                                "Voxtrel_GetInterfacePins", "Voxtrel_GetPlatformControl", // InterfacePins
+                                "Voxtrel_GetPrecondition", "Voxtrel_GetDma",              // Precondition, Dma
+                            }));
+  Disconnect(1);
+}
+
+TEST_F(InitializationTest, FailingStepStopsTheSequenceAndARetryFinishesIt) {
+  const char* const steps[] = {
+      "Voxtrel_GetTargetManager", "TargetManager.FinishInitialization", "Voxtrel_GetCommon",
+      "Voxtrel_GetEventBroker",   "RunControl.Initialize",              "Voxtrel_GetPlatformControl",
+      "Voxtrel_GetStatePort",     "StatePort.Initialize",               "Voxtrel_GetInterfacePort",
+      "InterfacePort.Initialize", "InterfacePort.SetEventCallback",     "Voxtrel_GetPrecondition",
+      "Voxtrel_GetDma",
+  };
+  for (const char* step : steps) {
+    Connect();
+    tc::SetLogLevel(5);
+    const size_t clientSubscribers = tc::BrokerSubscriberCount("Client");
+    tc::FailWith(step, 0x20002);
+    EXPECT_EQ(FinishInitialization(), kNotSupported) << step;
+    // The topology subscription survives only a TargetManager that cannot be had.
+    EXPECT_EQ(tc::BrokerSubscriberCount("DeviceTopology"), std::string(step) == "Voxtrel_GetTargetManager" ? 1u : 0u)
+        << step;
+    tc::ClearBehaviour(step);
+
+    tc::StartRecordingCalls();
+    EXPECT_EQ(FinishInitialization(), 0) << step;
+    EXPECT_LE(tc::BrokerSubscriberCount("Client"), clientSubscribers + 1) << step;
+    EXPECT_EQ(tc::CallCount("RunControl.Initialize"), std::string(step) == "RunControl.Initialize" ? 1u : 0u) << step;
+    tc::SetLogLevel(1);
+    ASSERT_EQ(Disconnect(1), 0) << step;
+  }
+}
+
+TEST_F(InitializationTest, GeneralCloseCallbackIsSubscribedOnceAcrossRetries) {
+  Connect();
+  const size_t before = tc::BrokerSubscriberCount("Client");
+  tc::FailWith("Voxtrel_GetRunControl", 0x20002);
+  EXPECT_EQ(FinishInitialization(), kNotSupported);
+  tc::ClearBehaviour("Voxtrel_GetRunControl");
+  EXPECT_EQ(FinishInitialization(), 0);
+  EXPECT_EQ(tc::BrokerSubscriberCount("Client"), before + 1);
+  Disconnect(1);
+  EXPECT_EQ(tc::BrokerSubscriberCount("Client"), before);
+}
+
+TEST_F(InitializationTest, FinishInitializationLinesOpenAndCloseANestedStretch) {
+  Connect();
+  ClearTrace();
+  ASSERT_EQ(FinishInitialization(), 0);
+  const std::vector<tc::TraceLine> lines = tc::CapturedTrace();
+  ASSERT_GE(lines.size(), 2u);
+  EXPECT_EQ(lines.front(), (tc::TraceLine{1, 2, "In InProc_Vxt::FinishInitialization() [ClientID: 1]", 1}));
+  EXPECT_EQ(lines.back(),
+            (tc::TraceLine{1, 2, "Out InProc_Vxt::FinishInitialization() ErrorCode = 0x00000000 [ClientID: 1]", -1}));
+  Disconnect(1);
+}
+
+TEST_F(InitializationTest, DynamicInitializationGoesToTheTargetManager) {
+  Connect();
+  ClearTrace();
+  tc::StartRecordingCalls();
+  EXPECT_EQ(BeginDynamicInitialization(), 0);
+  EXPECT_EQ(CancelDynamicInitialization(), 0);
+  EXPECT_EQ(tc::CallCount("TargetManager.BeginDynamicInitialization"), 1u);
+  EXPECT_EQ(tc::CallCount("TargetManager.CancelDynamicInitialization"), 1u);
+  EXPECT_EQ(Trace(), (Strings{
+                         "In InProc_Vxt::BeginDynamicInitialization() [ClientID: 1]",
+                         "Out InProc_Vxt::BeginDynamicInitialization() ErrorCode = 0x00000000 [ClientID: 1]",
+                         "In InProc_Vxt::CancelDynamicInitialization() [ClientID: 1]",
+                         "Out InProc_Vxt::CancelDynamicInitialization() ErrorCode = 0x00000000 [ClientID: 1]",
+                     }));
+  tc::FailWith("TargetManager.BeginDynamicInitialization", 0x20002);
+  EXPECT_EQ(BeginDynamicInitialization(), kNotSupported);
+  Disconnect(1);
+}
+
+}  // namespace

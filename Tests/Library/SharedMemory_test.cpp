@@ -1,0 +1,197 @@
+// Shared memory regions of the General service.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <thread>
+
+#include <boost/interprocess/mapped_region.hpp>
+#include <boost/interprocess/shared_memory_object.hpp>
+#include <gtest/gtest.h>
+
+#include "InProc_Vxt.h"
+#include "VxtTestSupport.h"
+
+namespace {
+
+using vxt::test::MakeClient;
+constexpr VXT_Result kInvalidHandle = static_cast<VXT_Result>(0x80000011);
+
+class SharedMemoryTest : public vxt::test::PlatformTest {
+ protected:
+  void SetUp() override {
+    PlatformTest::SetUp();
+    ASSERT_EQ(StartNewInstance(&client, 1, 0, nullptr), 0);
+    ASSERT_EQ(FinishInitialization(), 0);
+    void* service = nullptr;
+    ASSERT_EQ(GetService(nullptr, VXT_Service_General, &service), 0);
+    general = static_cast<IInternalService_General*>(service);
+  }
+  void TearDown() override {
+    if (IsConnected() != 0) Disconnect(client.clientId);
+    PlatformTest::TearDown();
+  }
+
+  std::string IdentifierOf(uint64_t handle) {
+    char identifier[VXT_SHARED_MEMORY_IDENTIFIER_SIZE] = "";
+    EXPECT_EQ(general->GetSharedMemoryIdentifier(handle, identifier), 0);
+    return identifier;
+  }
+  static bool RegionExists(const std::string& identifier) {
+    return std::filesystem::exists("/dev/shm/" + identifier);
+  }
+
+  VXT_Client client = MakeClient(3, "tool_3@here");
+  IInternalService_General* general = nullptr;
+};
+
+TEST_F(SharedMemoryTest, HandlesCountFromOneAndAreNotReused) {
+  uint64_t handle = 0;
+  ASSERT_EQ(general->AllocateSharedMemory(64, &handle), 0);
+  EXPECT_EQ(handle, 1u);
+  ASSERT_EQ(general->AllocateSharedMemory(64, &handle), 0);
+  EXPECT_EQ(handle, 2u);
+  ASSERT_EQ(general->FreeSharedMemory(2), 0);
+  ASSERT_EQ(general->AllocateSharedMemory(64, &handle), 0);
+  EXPECT_EQ(handle, 3u);
+
+  EXPECT_EQ(general->FreeSharedMemory(2), kInvalidHandle);
+  EXPECT_STREQ(GetLastErrorMessage(),
+               "InProc_General::FreeSharedMemory() Unknown shared memory region handle: 0x0000000000000002");
+}
+
+TEST_F(SharedMemoryTest, IdentifiersAreSixtyThreeLettersAndDigitsAndOwnerOnly) {
+  uint64_t handle = 0;
+  ASSERT_EQ(general->AllocateSharedMemory(4096, &handle), 0);
+  const std::string identifier = IdentifierOf(handle);
+  ASSERT_EQ(identifier.size(), 63u);
+  for (const char letter : identifier) EXPECT_TRUE(std::isalnum(static_cast<unsigned char>(letter))) << identifier;
+  const auto permissions = std::filesystem::status("/dev/shm/" + identifier).permissions();
+  EXPECT_EQ(permissions & std::filesystem::perms::all,
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+}
+
+TEST_F(SharedMemoryTest, InvalidHandlesAreRefusedBeforeTheLookup) {
+  void* address = nullptr;
+  char identifier[VXT_SHARED_MEMORY_IDENTIFIER_SIZE];
+  struct Case {
+    VXT_Result result;
+    std::string message;
+  };
+  const Case cases[] = {
+      {general->GetSharedMemoryAddress(0, &address),
+       "InProc_General::GetSharedMemoryAddress() argument error (handle) : Invalid handle"},
+      {general->GetSharedMemoryIdentifier(0, identifier),
+       "InProc_General::GetSharedMemoryIdentifier() argument error (handle) : Invalid handle"},
+      {general->FreeSharedMemory(0), "InProc_General::FreeSharedMemory() argument error (handle) : Invalid handle"},
+      {general->GetSharedMemoryAddress(7, &address),
+       "InProc_General::GetSharedMemoryAddress() Unknown shared memory region handle: 0x0000000000000007"},
+      {general->GetSharedMemoryIdentifier(7, identifier),
+       "InProc_General::GetSharedMemoryIdentifier() Unknown shared memory region handle: 0x0000000000000007"},
+  };
+  for (const Case& refused : cases) {
+    EXPECT_EQ(refused.result, kInvalidHandle) << refused.message;
+  }
+  // The last error is the last call's.
+  EXPECT_EQ(GetLastErrorMessage(), cases[4].message);
+}
+
+TEST_F(SharedMemoryTest, FailedCreationLeavesNoHandleAndNoObject) {
+  uint64_t handle = 99;
+  EXPECT_EQ(general->AllocateSharedMemory(0, &handle), static_cast<VXT_Result>(0x8000000f));
+  EXPECT_EQ(handle, 0u);
+  const std::string message = GetLastErrorMessage();
+  EXPECT_EQ(message.rfind("Failed to create a shared memory region with the following identifier: '", 0), 0u)
+      << message;
+  const std::string identifier = message.substr(message.find('\'') + 1, 63);
+  EXPECT_FALSE(RegionExists(identifier));
+
+  ASSERT_EQ(general->AllocateSharedMemory(16, &handle), 0);
+  EXPECT_EQ(handle, 1u);
+}
+
+TEST_F(SharedMemoryTest, AnotherProcessSeesWhatThisOneWrote) {
+  uint64_t handle = 0;
+  ASSERT_EQ(general->AllocateSharedMemory(4096, &handle), 0);
+  void* address = nullptr;
+  ASSERT_EQ(general->GetSharedMemoryAddress(handle, &address), 0);
+  std::strcpy(static_cast<char*>(address), "written by the library's process");
+  const std::string identifier = IdentifierOf(handle);
+
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    namespace bip = boost::interprocess;
+    bip::shared_memory_object object(bip::open_only, identifier.c_str(), bip::read_write);
+    bip::mapped_region view(object, bip::read_write);
+    const bool same = std::strcmp(static_cast<const char*>(view.get_address()), "written by the library's process") == 0;
+    std::strcpy(static_cast<char*>(view.get_address()), "answered by the child");
+    _exit(same ? 0 : 1);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  EXPECT_STREQ(static_cast<const char*>(address), "answered by the child");
+}
+
+TEST_F(SharedMemoryTest, NoRegionOutlivesItsFreeItsClientOrTheLastClient) {
+  uint64_t freed = 0, kept = 0;
+  ASSERT_EQ(general->AllocateSharedMemory(64, &freed), 0);
+  ASSERT_EQ(general->AllocateSharedMemory(64, &kept), 0);
+  const std::string freedName = IdentifierOf(freed);
+  const std::string keptName = IdentifierOf(kept);
+  ASSERT_EQ(general->FreeSharedMemory(freed), 0);
+  EXPECT_FALSE(RegionExists(freedName));
+  EXPECT_TRUE(RegionExists(keptName));
+
+  // Another client's departure leaves this client's regions alone; its own
+  // regions go with it.
+  std::string othersName;
+  std::thread other([&] {
+    VXT_Client second = MakeClient(9, "other_9@there");
+    ASSERT_EQ(StartNewInstance(&second, 1, 0, nullptr), 0);
+    uint64_t handle = 0;
+    ASSERT_EQ(general->AllocateSharedMemory(64, &handle), 0);
+    EXPECT_EQ(handle, 1u);  // Per client
+    othersName = IdentifierOf(handle);
+    ASSERT_EQ(Disconnect(9), 0);
+  });
+  other.join();
+  EXPECT_FALSE(RegionExists(othersName));
+  EXPECT_TRUE(RegionExists(keptName));
+
+  ASSERT_EQ(Disconnect(client.clientId), 0);
+  EXPECT_FALSE(RegionExists(keptName));
+}
+
+TEST_F(SharedMemoryTest, OneClientCannotReachAnothersRegion) {
+  std::thread other([&] {
+    VXT_Client second = MakeClient(9, "other_9@there");
+    ASSERT_EQ(StartNewInstance(&second, 1, 0, nullptr), 0);
+    uint64_t handle = 0;
+    ASSERT_EQ(general->AllocateSharedMemory(64, &handle), 0);
+  });
+  other.join();
+  void* address = nullptr;
+  EXPECT_EQ(general->GetSharedMemoryAddress(1, &address), kInvalidHandle);
+  EXPECT_EQ(address, nullptr);
+  Disconnect(9);
+}
+
+TEST_F(SharedMemoryTest, RemoteClientGetsNoRegion) {
+  std::thread remote([&] {
+    VXT_Client far = MakeClient(9, "far_9@elsewhere");
+    ASSERT_EQ(StartNewInstance(&far, 0, 0, nullptr), 0);
+    uint64_t handle = 0;
+    EXPECT_EQ(general->AllocateSharedMemory(64, &handle), static_cast<VXT_Result>(0x80000003));
+    EXPECT_STREQ(GetLastErrorMessage(),
+                 "AllocateSharedMemory(): The client and the server are not running on the same machine. Allocating "
+                 "shared memory makes no sense in such cases");
+    Disconnect(9);
+  });
+  remote.join();
+}
+
+}  // namespace

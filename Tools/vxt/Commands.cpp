@@ -1,0 +1,61 @@
+#include "Commands.h"
+
+#include <string>
+#include <vector>
+
+namespace vxt::cli {
+namespace {
+
+std::vector<std::string> LoggingPresets(IInternalService_General& general) {
+  uint32_t count = 0;
+  Check(general.GetLoggingPresetNamesCount(&count), "GetLoggingPresetNamesCount");
+  std::vector<std::vector<char>> buffers(count, std::vector<char>(VXT_LOGGING_PRESET_NAME_SIZE, '\0'));
+  std::vector<char*> names;
+  for (auto& buffer : buffers) names.push_back(buffer.data());
+  Check(general.GetLoggingPresetNames(count, names.data()), "GetLoggingPresetNames");
+  return {names.begin(), names.end()};
+}
+
+}  // namespace
+
+void ListConfigurations(std::ostream& out) {
+  uint32_t count = 0;
+  Check(GetAvailableConfigurationCount(&count), "GetAvailableConfigurationCount");
+  std::vector<VXT_ConfigurationName> names(count);
+  if (count > 0) Check(GetAvailableConfigurations(count, names.data()), "GetAvailableConfigurations");
+  for (const VXT_ConfigurationName& name : names) out << name.name << '\n';
+}
+
+void ShowInfo(Session& session, std::ostream& out) {
+  IInternalService_General& general = session.general();
+
+  VXT_Version version{};
+  version.structureSize = VXT_VERSION_SIZE;
+  Check(general.GetImplementationVersion(&version), "GetImplementationVersion");
+  char identifier[VXT_IMPLEMENTATION_IDENTIFIER_SIZE];
+  Check(general.GetImplementationIdentifier(identifier), "GetImplementationIdentifier");
+  out << "Library:          InProc_Vxt " << version.major << '.' << version.minor << '.' << version.build
+      << " (classification " << version.classification << ")\n";
+  out << "Implementation:   " << identifier << '\n';
+
+  char loaded[VXT_LOGGING_PRESET_NAME_SIZE] = "";
+  Check(general.GetLoadedLoggingPreset(loaded), "GetLoadedLoggingPreset");
+  out << "Logging presets: ";
+  for (const std::string& preset : LoggingPresets(general)) out << ' ' << preset << (preset == loaded ? "*" : "");
+  out << "  (* loaded)\n";
+
+  uint32_t numClients = 0;
+  Check(general.GetNumConnectedClients(&numClients), "GetNumConnectedClients");
+  std::vector<VXT_Client> clients(numClients);
+  for (VXT_Client& client : clients) client.structureSize = VXT_CLIENT_SIZE;
+  if (numClients > 0) Check(general.GetConnectedClients(numClients, &numClients, clients.data()), "GetConnectedClients");
+  out << "Connected clients: " << numClients << '\n';
+  for (uint32_t i = 0; i < numClients && i < clients.size(); ++i) {
+    const VXT_Client& client = clients[i];
+    out << "  " << client.clientId << "  " << client.identifier << "  " << (client.isLocal ? "local" : "remote")
+        << "  since " << client.startTime << " UTC" << (client.clientId == session.clientId() ? "  (this)" : "")
+        << '\n';
+  }
+}
+
+}  // namespace vxt::cli

@@ -1,0 +1,64 @@
+#include "Session.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+#include <sstream>
+
+namespace vxt::cli {
+namespace {
+
+std::string Describe(const std::string& call, VXT_Result code) {
+  char hex[16];
+  std::snprintf(hex, sizeof hex, "0x%08x", static_cast<uint32_t>(code));
+  std::string text = call + " failed with " + hex;
+  const char* message = GetLastErrorMessage();
+  if (message != nullptr && *message != '\0') text += ": " + std::string(message);
+  return text;
+}
+
+bool LooksLikeAPath(const std::string& configuration) {
+  return configuration.find('/') != std::string::npos ||
+         (configuration.size() > 5 && configuration.compare(configuration.size() - 5, 5, ".json") == 0);
+}
+
+}  // namespace
+
+CallFailed::CallFailed(const std::string& call, VXT_Result code) : std::runtime_error(Describe(call, code)), code_(code) {}
+
+void Check(VXT_Result code, const std::string& call) {
+  if (code != VXT_SUCCESS) throw CallFailed(call, code);
+}
+
+void SelectConfiguration(const std::string& configuration) {
+  if (configuration.empty()) return;
+  if (LooksLikeAPath(configuration)) {
+    Check(SelectConfigurationByFileName(configuration.c_str()), "SelectConfigurationByFileName");
+  } else {
+    Check(SelectConfigurationByName(configuration.c_str()), "SelectConfigurationByName");
+  }
+}
+
+Session::Session(const SessionOptions& options) {
+  client_.structureSize = VXT_CLIENT_SIZE;
+  client_.clientId = static_cast<uint32_t>(getpid());
+  char host[64] = "localhost";
+  gethostname(host, sizeof host - 1);
+  std::snprintf(client_.identifier, sizeof client_.identifier, "vxt_%u@%s", client_.clientId, host);
+
+  Check(StartNewInstance(&client_, 1, VXT_ServerHostingType_In_Process, nullptr), "StartNewInstance");
+  try {
+    if (!options.loggingPreset.empty())
+      Check(general().LoadLoggingPreset(options.loggingPreset.c_str()), "LoadLoggingPreset");
+    SelectConfiguration(options.configuration);
+    Check(FinishInitialization(), "FinishInitialization");
+  } catch (...) {
+    Disconnect(client_.clientId);
+    throw;
+  }
+}
+
+Session::~Session() { Disconnect(client_.clientId); }
+
+}  // namespace vxt::cli
