@@ -50,10 +50,12 @@ TEST_F(ClientsConcurrencyTest, LastErrorsNeverCrossThreads) {
         if (t % 2 == 0) {
           VXT_Version unsized{};
           general.GetImplementationVersion(&unsized);
-          expected = "InProc_General::GetImplementationVersion() argument error (version) : Structure size not initialized";
+          expected =
+              "InProc_General::GetImplementationVersion() argument error (version) : Structure size not initialized";
         } else {
           general.LoadLoggingPreset("missing");
-          expected = "InProc_General::LoadLoggingPreset(): argument error (presetName) : an unknown preset name was specified";
+          expected =
+              "InProc_General::LoadLoggingPreset(): argument error (presetName) : an unknown preset name was specified";
         }
         uint32_t count = 0;
         general.GetNumConnectedClients(&count);  // Succeeds and keeps the message
@@ -84,8 +86,10 @@ TEST_F(ClientsConcurrencyTest, RegionsAreAllocatedAndFreedFromManyThreads) {
         uint64_t handle = 0;
         void* address = nullptr;
         if (general.AllocateSharedMemory(256, &handle) != 0) ++failures;
-        if (general.GetSharedMemoryAddress(handle, &address) != 0 || address == nullptr) ++failures;
-        else static_cast<unsigned char*>(address)[0] = static_cast<unsigned char>(t);
+        if (general.GetSharedMemoryAddress(handle, &address) != 0 || address == nullptr)
+          ++failures;
+        else
+          static_cast<unsigned char*>(address)[0] = static_cast<unsigned char>(t);
         if (round % 2 == 0 && general.FreeSharedMemory(handle) != 0) ++failures;
       }
       if (Disconnect(id) != 0) ++failures;  // Frees the regions left

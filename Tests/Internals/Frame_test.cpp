@@ -103,12 +103,17 @@ const ProbeService::Record kUnsized{0};
 INSTANTIATE_TEST_SUITE_P(
     Failures, FrameFailureTest,
     ::testing::Values(
-        FailureCase{"StructureSize", &kUnsized, {}, static_cast<VXT_Result>(0x80000010),
+        FailureCase{"StructureSize",
+                    &kUnsized,
+                    {},
+                    static_cast<VXT_Result>(0x80000010),
                     "InProc_Probe::Count() argument error (record) : Structure size not initialized"},
-        FailureCase{"ComponentPosts", &kGood, {0x20002, "the component says why"}, static_cast<VXT_Result>(0x80000003),
+        FailureCase{"ComponentPosts",
+                    &kGood,
+                    {0x20002, "the component says why"},
+                    static_cast<VXT_Result>(0x80000003),
                     "the component says why"},
-        FailureCase{"ComponentThrows", &kGood, {0, "", 0, true}, static_cast<VXT_Result>(0x8000000f), "",
-                    0x20009},
+        FailureCase{"ComponentThrows", &kGood, {0, "", 0, true}, static_cast<VXT_Result>(0x8000000f), "", 0x20009},
         FailureCase{"NoRowForCode", &kGood, {0x123456}, static_cast<VXT_Result>(0x8000000f), "", 0x123456}),
     [](const auto& info) { return info.param.name; });
 

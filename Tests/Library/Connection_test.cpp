@@ -148,7 +148,8 @@ TEST_F(ConnectionTest, ConnectionAndDisconnectionAreReportedToTelemetryAndUsage)
   EXPECT_EQ(calls[0].function, "BeginSession");
   EXPECT_EQ(calls[0].args[0], "Client_Lifespan");
   EXPECT_EQ(calls[0].args[1], "processguid");
-  EXPECT_TRUE(std::regex_match(calls[0].args[2], std::regex("[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{12}")))
+  EXPECT_TRUE(
+      std::regex_match(calls[0].args[2], std::regex("[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{12}")))
       << calls[0].args[2];
   const std::vector<tc::TelemetryCall> tail(calls.end() - 3, calls.end());
   EXPECT_EQ(tail, (std::vector<tc::TelemetryCall>{
@@ -192,7 +193,8 @@ TEST_F(ConnectionTest, FailingStopStepSkipsTheRestOfItsGroupOnly) {
   const Strings watched{"RunControl.Uninitialize", "StatePort.Uninitialize", "TargetManager.Uninitialize",
                         "EventBroker.Uninitialize"};
   const Case cases[] = {
-      {"RunControl.Uninitialize", {"RunControl.Uninitialize", "TargetManager.Uninitialize", "EventBroker.Uninitialize"}},
+      {"RunControl.Uninitialize",
+       {"RunControl.Uninitialize", "TargetManager.Uninitialize", "EventBroker.Uninitialize"}},
       {"StatePort.Uninitialize",
        {"RunControl.Uninitialize", "StatePort.Uninitialize", "TargetManager.Uninitialize", "EventBroker.Uninitialize"}},
       {"TargetManager.Uninitialize",

@@ -70,9 +70,15 @@ TEST_F(GeneralTest, NullPointersAreRefusedWithTheirOwnWording) {
        "InProc_General::WriteLogMessage(): argument error (message) : NULL pointer"},
       {[](auto& g) { return g.GetNumConnectedClients(nullptr); },
        "InProc_General::GetNumConnectedClients(): argument error (numConnectedClients) : NULL pointer"},
-      {[](auto& g) { VXT_Client c{}; return g.GetConnectedClients(1, nullptr, &c); },
+      {[](auto& g) {
+         VXT_Client c{};
+         return g.GetConnectedClients(1, nullptr, &c);
+       },
        "InProc_General::GetConnectedClients(): argument error (numConnectedClients) : NULL pointer"},
-      {[](auto& g) { uint32_t n = 0; return g.GetConnectedClients(1, &n, nullptr); },
+      {[](auto& g) {
+         uint32_t n = 0;
+         return g.GetConnectedClients(1, &n, nullptr);
+       },
        "InProc_General::GetConnectedClients(): argument error (connectedClients) : NULL pointer"},
       {[](auto& g) { return g.AllocateSharedMemory(16, nullptr); },
        "InProc_General::AllocateSharedMemory() argument error (handle) : Null pointer"},
@@ -130,8 +136,9 @@ TEST_F(GeneralTest, PresetsAreListedCountedAndLoaded) {
                "available number of names");
 
   EXPECT_EQ(general->LoadLoggingPreset("no such preset"), static_cast<VXT_Result>(0x8000001e));
-  EXPECT_STREQ(GetLastErrorMessage(),
-               "InProc_General::LoadLoggingPreset(): argument error (presetName) : an unknown preset name was specified");
+  EXPECT_STREQ(
+      GetLastErrorMessage(),
+      "InProc_General::LoadLoggingPreset(): argument error (presetName) : an unknown preset name was specified");
 
   for (const std::string& name : names) {
     EXPECT_EQ(general->LoadLoggingPreset(name.c_str()), 0) << name;

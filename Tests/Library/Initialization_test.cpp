@@ -57,7 +57,8 @@ TEST_F(InitializationTest, NullPointersNeverReachTheComponent) {
       {[] { return SelectConfigurationByName(nullptr); }, "VXT_SelectConfigurationByName was passed a null pointer"},
       {[] { return GetAvailableConfigurationCount(nullptr); },
        "VXT_GetAvailableConfigurationCount was passed a null pointer"},
-      {[] { return GetAvailableConfigurations(1, nullptr); }, "VXT_GetAvailableConfigurations was passed a null pointer"},
+      {[] { return GetAvailableConfigurations(1, nullptr); },
+       "VXT_GetAvailableConfigurations was passed a null pointer"},
       {[&] { return SetConfigurationParameters(1, names, nullptr); },
        "VXT_SetConfigurationParameters was passed a null pointer"},
       {[&] { return SetConfigurationParameters(1, nullptr, names); },
@@ -128,31 +129,39 @@ TEST_F(InitializationTest, ComponentsComeUpInTheirFixedOrder) {
   EXPECT_EQ(StartUpCalls(), (Strings{
                                 "Voxtrel_GetTargetManager", "TargetManager.FinishInitialization",
                                 // The topology event starts RunControl early.
-                                "Voxtrel_GetRunControl", "RunControl.Initialize",
-                                "Voxtrel_GetCommon", "Voxtrel_GetEventBroker", "EventBroker.Subscribe",
-                                "Voxtrel_GetRunControl",                                  // RunControl
-                                "Voxtrel_GetRunControl",                                  // RunControlConfiguration
-                                "Voxtrel_GetPlatformControl", "Voxtrel_GetRunControl",    // Break
-                                "Voxtrel_GetTargetManager",                               //
-                                "Voxtrel_GetRunControl", "Voxtrel_GetRunControl",         // Breakpoint, -Management
-                                "Voxtrel_GetRunControl", "Voxtrel_GetRunControl",         // Memory, Register
-                                "Voxtrel_GetStatePort", "StatePort.Initialize",           // StatePort
-                                "Voxtrel_GetPlatformControl",                             // PlatformControl
-                                "Voxtrel_GetInterfacePort", "InterfacePort.Initialize",   // InterfacePort
-                                "InterfacePort.SetEventCallback",                         //
-                                "Voxtrel_GetRunControl",                                  // AsmDasm
-                                "Voxtrel_GetInterfacePins", "Voxtrel_GetPlatformControl", // InterfacePins
-                                "Voxtrel_GetPrecondition", "Voxtrel_GetDma",              // Precondition, Dma
+                                "Voxtrel_GetRunControl", "RunControl.Initialize", "Voxtrel_GetCommon",
+                                "Voxtrel_GetEventBroker", "EventBroker.Subscribe",
+                                "Voxtrel_GetRunControl",                                   // RunControl
+                                "Voxtrel_GetRunControl",                                   // RunControlConfiguration
+                                "Voxtrel_GetPlatformControl", "Voxtrel_GetRunControl",     // Break
+                                "Voxtrel_GetTargetManager",                                //
+                                "Voxtrel_GetRunControl", "Voxtrel_GetRunControl",          // Breakpoint, -Management
+                                "Voxtrel_GetRunControl", "Voxtrel_GetRunControl",          // Memory, Register
+                                "Voxtrel_GetStatePort", "StatePort.Initialize",            // StatePort
+                                "Voxtrel_GetPlatformControl",                              // PlatformControl
+                                "Voxtrel_GetInterfacePort", "InterfacePort.Initialize",    // InterfacePort
+                                "InterfacePort.SetEventCallback",                          //
+                                "Voxtrel_GetRunControl",                                   // AsmDasm
+                                "Voxtrel_GetInterfacePins", "Voxtrel_GetPlatformControl",  // InterfacePins
+                                "Voxtrel_GetPrecondition", "Voxtrel_GetDma",               // Precondition, Dma
                             }));
   Disconnect(1);
 }
 
 TEST_F(InitializationTest, FailingStepStopsTheSequenceAndARetryFinishesIt) {
   const char* const steps[] = {
-      "Voxtrel_GetTargetManager", "TargetManager.FinishInitialization", "Voxtrel_GetCommon",
-      "Voxtrel_GetEventBroker",   "RunControl.Initialize",              "Voxtrel_GetPlatformControl",
-      "Voxtrel_GetStatePort",     "StatePort.Initialize",               "Voxtrel_GetInterfacePort",
-      "InterfacePort.Initialize", "InterfacePort.SetEventCallback",     "Voxtrel_GetPrecondition",
+      "Voxtrel_GetTargetManager",
+      "TargetManager.FinishInitialization",
+      "Voxtrel_GetCommon",
+      "Voxtrel_GetEventBroker",
+      "RunControl.Initialize",
+      "Voxtrel_GetPlatformControl",
+      "Voxtrel_GetStatePort",
+      "StatePort.Initialize",
+      "Voxtrel_GetInterfacePort",
+      "InterfacePort.Initialize",
+      "InterfacePort.SetEventCallback",
+      "Voxtrel_GetPrecondition",
       "Voxtrel_GetDma",
   };
   for (const char* step : steps) {

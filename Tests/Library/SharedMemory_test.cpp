@@ -7,9 +7,9 @@
 #include <string>
 #include <thread>
 
+#include <gtest/gtest.h>
 #include <boost/interprocess/mapped_region.hpp>
 #include <boost/interprocess/shared_memory_object.hpp>
-#include <gtest/gtest.h>
 
 #include "InProc_Vxt.h"
 #include "VxtTestSupport.h"
@@ -39,9 +39,7 @@ class SharedMemoryTest : public vxt::test::PlatformTest {
     EXPECT_EQ(general->GetSharedMemoryIdentifier(handle, identifier), 0);
     return identifier;
   }
-  static bool RegionExists(const std::string& identifier) {
-    return std::filesystem::exists("/dev/shm/" + identifier);
-  }
+  static bool RegionExists(const std::string& identifier) { return std::filesystem::exists("/dev/shm/" + identifier); }
 
   VXT_Client client = MakeClient(3, "tool_3@here");
   IInternalService_General* general = nullptr;
@@ -126,7 +124,8 @@ TEST_F(SharedMemoryTest, AnotherProcessSeesWhatThisOneWrote) {
     namespace bip = boost::interprocess;
     bip::shared_memory_object object(bip::open_only, identifier.c_str(), bip::read_write);
     bip::mapped_region view(object, bip::read_write);
-    const bool same = std::strcmp(static_cast<const char*>(view.get_address()), "written by the library's process") == 0;
+    const bool same =
+        std::strcmp(static_cast<const char*>(view.get_address()), "written by the library's process") == 0;
     std::strcpy(static_cast<char*>(view.get_address()), "answered by the child");
     _exit(same ? 0 : 1);
   }

@@ -48,7 +48,8 @@ void ShowInfo(Session& session, std::ostream& out) {
   Check(general.GetNumConnectedClients(&numClients), "GetNumConnectedClients");
   std::vector<VXT_Client> clients(numClients);
   for (VXT_Client& client : clients) client.structureSize = VXT_CLIENT_SIZE;
-  if (numClients > 0) Check(general.GetConnectedClients(numClients, &numClients, clients.data()), "GetConnectedClients");
+  if (numClients > 0)
+    Check(general.GetConnectedClients(numClients, &numClients, clients.data()), "GetConnectedClients");
   out << "Connected clients: " << numClients << '\n';
   for (uint32_t i = 0; i < numClients && i < clients.size(); ++i) {
     const VXT_Client& client = clients[i];

@@ -25,7 +25,8 @@ bool LooksLikeAPath(const std::string& configuration) {
 
 }  // namespace
 
-CallFailed::CallFailed(const std::string& call, VXT_Result code) : std::runtime_error(Describe(call, code)), code_(code) {}
+CallFailed::CallFailed(const std::string& call, VXT_Result code)
+    : std::runtime_error(Describe(call, code)), code_(code) {}
 
 void Check(VXT_Result code, const std::string& call) {
   if (code != VXT_SUCCESS) throw CallFailed(call, code);

@@ -1,6 +1,7 @@
 // The first client's and the last client's work, and the state they share.
 #include <string>
 
+#include "BindTable.h"
 #include "ConnectionState.h"
 #include "DataStore.h"
 #include "EventBroker.h"
@@ -20,8 +21,7 @@ ConnectionState& ConnectionState::Get() {
 }
 
 void ConnectionState::ReplaceTopologySubscription() {
-  auto fresh = std::make_unique<TopologySubscription>(
-      [](const char*, const void*) { EnsureRunControlInitialized(); });
+  auto fresh = std::make_unique<TopologySubscription>([](const char*, const void*) { EnsureRunControlInitialized(); });
   std::unique_ptr<TopologySubscription> former;
   {
     std::lock_guard lock(topologySubscriptionMutex);
@@ -40,7 +40,7 @@ void ConnectionState::DropTopologySubscription() {
 
 uint32_t EnsureRunControlInitialized() {
   InProc_RunControl& service = InProc_RunControl::Instance();
-  const uint32_t code = Voxtrel_GetRunControl(&service.runControl);
+  const uint32_t code = BindTable(&Voxtrel_GetRunControl, service.runControl);
   if (code != 0 || service.isComponentInitialized || service.runControl == nullptr) return code;
   const uint32_t initialized = service.runControl->Initialize();
   if (initialized == 0) service.isComponentInitialized = true;

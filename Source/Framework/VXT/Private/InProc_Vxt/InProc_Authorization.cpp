@@ -1,5 +1,7 @@
 #include "InProc_Authorization.h"
 
+#include "BindTable.h"
+
 namespace vxt {
 namespace {
 InProc_Authorization instance;
@@ -8,7 +10,7 @@ InProc_Authorization instance;
 InProc_Authorization::InProc_Authorization() {
   // The component is there from load on; the result is looked at by the
   // operations, which find a null table when it failed.
-  Voxtrel_GetAuthorization(&authorization);
+  BindTable(&Voxtrel_GetAuthorization, authorization);
 }
 
 InProc_Authorization& InProc_Authorization::Instance() { return instance; }

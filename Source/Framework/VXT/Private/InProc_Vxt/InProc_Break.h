@@ -3,8 +3,8 @@
 
 #include "PlatformControl.h"
 #include "RunControl.h"
-#include "TargetManager.h"
 #include "SingletonService.h"
+#include "TargetManager.h"
 #include "frame/ServiceLogger.h"
 
 namespace vxt {

@@ -1,5 +1,7 @@
 #include "InProc_Device.h"
 
+#include "BindTable.h"
+
 namespace vxt {
 namespace {
 InProc_Device instance;
@@ -8,7 +10,7 @@ InProc_Device instance;
 InProc_Device::InProc_Device() {
   // The component is there from load on; the result is looked at by the
   // operations, which find a null table when it failed.
-  Voxtrel_GetTargetManager(&targetManager);
+  BindTable(&Voxtrel_GetTargetManager, targetManager);
 }
 
 InProc_Device& InProc_Device::Instance() { return instance; }

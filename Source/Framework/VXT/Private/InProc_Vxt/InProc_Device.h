@@ -1,8 +1,8 @@
 // The Device service object.
 #pragma once
 
-#include "TargetManager.h"
 #include "SingletonService.h"
+#include "TargetManager.h"
 #include "frame/ServiceLogger.h"
 
 namespace vxt {

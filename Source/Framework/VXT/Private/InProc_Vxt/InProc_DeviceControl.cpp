@@ -1,5 +1,7 @@
 #include "InProc_DeviceControl.h"
 
+#include "BindTable.h"
+
 namespace vxt {
 namespace {
 InProc_DeviceControl instance;
@@ -8,7 +10,7 @@ InProc_DeviceControl instance;
 InProc_DeviceControl::InProc_DeviceControl() {
   // The component is there from load on; the result is looked at by the
   // operations, which find a null table when it failed.
-  Voxtrel_GetDeviceControl(&deviceControl);
+  BindTable(&Voxtrel_GetDeviceControl, deviceControl);
 }
 
 InProc_DeviceControl& InProc_DeviceControl::Instance() { return instance; }

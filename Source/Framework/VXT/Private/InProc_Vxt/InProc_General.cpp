@@ -35,8 +35,8 @@ struct VersionText {
   friend std::ostream& operator<<(std::ostream& out, const VersionText& text) {
     if (text.version == nullptr) return out << "<NULL>";
     return out << "{major = " << Dec{text.version->major} << " minor = " << Dec{text.version->minor}
-               << " build = " << Dec{text.version->build} << " classification = "
-               << Dec{text.version->classification} << "}";
+               << " build = " << Dec{text.version->build} << " classification = " << Dec{text.version->classification}
+               << "}";
   }
 };
 
@@ -72,15 +72,14 @@ uint32_t CopyClientRecords(Call& call, const std::vector<VXT_Client>& records, u
 InProc_General& InProc_General::Instance() { return instance; }
 
 VXT_Result InProc_General::GetImplementationVersion(VXT_Version* version) {
-  return RunOperation(logger, VXT_OPERATION(General, GetImplementationVersion), NoArgs{},
-                      TraceArgs("version", VersionText{version}), [&](Call& call) {
-                        return call.NotNull(version, "version")
-                            .StructureSize(version, VXT_VERSION_SIZE, "version")
-                            .Core([&] {
-                              *version = kVersion;
-                              return code::kSuccess;
-                            });
-                      });
+  return RunOperation(
+      logger, VXT_OPERATION(General, GetImplementationVersion), NoArgs{}, TraceArgs("version", VersionText{version}),
+      [&](Call& call) {
+        return call.NotNull(version, "version").StructureSize(version, VXT_VERSION_SIZE, "version").Core([&] {
+          *version = kVersion;
+          return code::kSuccess;
+        });
+      });
 }
 
 VXT_Result InProc_General::GetImplementationIdentifier(char* identifier) {
@@ -104,17 +103,17 @@ VXT_Result InProc_General::GetLoggingPresetNamesCount(uint32_t* numPresetNames) 
 }
 
 VXT_Result InProc_General::GetLoggingPresetNames(uint32_t numPresetNames, char** presetNames) {
-  return RunOperation(logger, VXT_OPERATION(General, GetLoggingPresetNames),
-                      TraceArgs("numPresetNames", Dec{numPresetNames}), NoArgs{}, [&](Call& call) {
-                        uint32_t available = 0;
-                        Voxtrel_LoggingGetLoggingPresetNamesCount(&available);
-                        NotNULL(call, presetNames, "presetNames");
-                        if (numPresetNames > available)
-                          ArgumentErrorAfterColon(call, code::kOutOfRange, "numPresetNames",
-                                                  "value is greater than the available number of names");
-                        return call.Core(
-                            [&] { return Voxtrel_LoggingGetLoggingPresetNames(presetNames, numPresetNames); });
-                      });
+  return RunOperation(
+      logger, VXT_OPERATION(General, GetLoggingPresetNames), TraceArgs("numPresetNames", Dec{numPresetNames}), NoArgs{},
+      [&](Call& call) {
+        uint32_t available = 0;
+        Voxtrel_LoggingGetLoggingPresetNamesCount(&available);
+        NotNULL(call, presetNames, "presetNames");
+        if (numPresetNames > available)
+          ArgumentErrorAfterColon(call, code::kOutOfRange, "numPresetNames",
+                                  "value is greater than the available number of names");
+        return call.Core([&] { return Voxtrel_LoggingGetLoggingPresetNames(presetNames, numPresetNames); });
+      });
 }
 
 VXT_Result InProc_General::LoadLoggingPreset(const char* presetName) {
@@ -122,15 +121,14 @@ VXT_Result InProc_General::LoadLoggingPreset(const char* presetName) {
                       TraceArgs("presetName", Quoted{presetName}), NoArgs{}, [&](Call& call) {
                         NotNULL(call, presetName, "presetName");
                         if (!call.failed() && !Voxtrel_LoggingLoadLoggingPreset(presetName))
-                          ArgumentErrorAfterColon(call, 0x260001, "presetName",
-                                                  "an unknown preset name was specified");
+                          ArgumentErrorAfterColon(call, 0x260001, "presetName", "an unknown preset name was specified");
                         return call.code();
                       });
 }
 
 VXT_Result InProc_General::WriteLogMessage(const char* message) {
-  return RunOperation(logger, VXT_OPERATION(General, WriteLogMessage).Counted(),
-                      TraceArgs("message", Quoted{message}), NoArgs{}, [&](Call& call) {
+  return RunOperation(logger, VXT_OPERATION(General, WriteLogMessage).Counted(), TraceArgs("message", Quoted{message}),
+                      NoArgs{}, [&](Call& call) {
                         return NotNULL(call, message, "message").Core([&] {
                           TraceLine(logger, 2, "USER MESSAGE: ", Quoted{message}, kTrailer);
                           return code::kSuccess;
@@ -139,13 +137,13 @@ VXT_Result InProc_General::WriteLogMessage(const char* message) {
 }
 
 VXT_Result InProc_General::GetNumConnectedClients(uint32_t* numConnectedClients) {
-  return RunOperation(logger, VXT_OPERATION(General, GetNumConnectedClients), NoArgs{},
-                      TraceArgs("numConnectedClients", Out<Dec>(numConnectedClients)), [&](Call& call) {
-                        return NotNULL(call, numConnectedClients, "numConnectedClients")
-                            .Core(common, [&](const CommonComponent& c) {
-                              return c.GetNumConnectedClients(numConnectedClients);
-                            });
-                      });
+  return RunOperation(
+      logger, VXT_OPERATION(General, GetNumConnectedClients), NoArgs{},
+      TraceArgs("numConnectedClients", Out<Dec>(numConnectedClients)), [&](Call& call) {
+        return NotNULL(call, numConnectedClients, "numConnectedClients").Core(common, [&](const CommonComponent& c) {
+          return c.GetNumConnectedClients(numConnectedClients);
+        });
+      });
 }
 
 VXT_Result InProc_General::GetConnectedClients(uint32_t maxNumConnectedClients, uint32_t* numConnectedClients,

@@ -78,8 +78,8 @@ uint32_t Allocate(Call& call, const CommonComponent& common, const ServiceLogger
   } catch (const boost::interprocess::interprocess_exception& failure) {
     --client.lastHandle;
     *handle = 0;
-    call.Fail(code::kException, "Failed to create a shared memory region with the following identifier: '",
-              identifier, "'. Error: ", failure.what());
+    call.Fail(code::kException, "Failed to create a shared memory region with the following identifier: '", identifier,
+              "'. Error: ", failure.what());
     return call.code();
   }
   TraceLine(logger, 1, "Allocated a new shared memory region with identifier = ", Quoted{identifier.c_str()},
@@ -103,9 +103,8 @@ VXT_Result InProc_General::GetSharedMemoryAddress(uint64_t handle, void** addres
                       TraceArgs("address", MappedAddress{address}), [&](Call& call) {
                         call.NotNull(address, "address");
                         return ValidHandle(call, handle).Core(common, [&](const CommonComponent& c) {
-                          return WithRegion(call, c, handle, [&](ClientRegions&, auto region) {
-                            *address = region->second->address();
-                          });
+                          return WithRegion(call, c, handle,
+                                            [&](ClientRegions&, auto region) { *address = region->second->address(); });
                         });
                       });
 }
@@ -126,13 +125,12 @@ VXT_Result InProc_General::GetSharedMemoryIdentifier(uint64_t handle, char* iden
 }
 
 VXT_Result InProc_General::FreeSharedMemory(uint64_t handle) {
-  return RunOperation(logger, VXT_OPERATION(General, FreeSharedMemory), TraceArgs("handle", Hex16{handle}), NoArgs{},
-                      [&](Call& call) {
-                        return ValidHandle(call, handle).Core(common, [&](const CommonComponent& c) {
-                          return WithRegion(call, c, handle,
-                                            [](ClientRegions& client, auto region) { client.regions.erase(region); });
-                        });
-                      });
+  return RunOperation(
+      logger, VXT_OPERATION(General, FreeSharedMemory), TraceArgs("handle", Hex16{handle}), NoArgs{}, [&](Call& call) {
+        return ValidHandle(call, handle).Core(common, [&](const CommonComponent& c) {
+          return WithRegion(call, c, handle, [](ClientRegions& client, auto region) { client.regions.erase(region); });
+        });
+      });
 }
 
 void InProc_General::_ClientCloseCallback(void*, const char* eventName, const void* eventData) {

@@ -1,5 +1,7 @@
 #include "InProc_Initialization.h"
 
+#include "BindTable.h"
+
 namespace vxt {
 namespace {
 InProc_Initialization instance;
@@ -8,7 +10,7 @@ InProc_Initialization instance;
 InProc_Initialization::InProc_Initialization() {
   // The component is there from load on; the result is looked at by the
   // operations, which find a null table when it failed.
-  Voxtrel_GetTargetManager(&targetManager);
+  BindTable(&Voxtrel_GetTargetManager, targetManager);
 }
 
 InProc_Initialization& InProc_Initialization::Instance() { return instance; }

@@ -1,5 +1,7 @@
 #include "InProc_JtagAccess.h"
 
+#include "BindTable.h"
+
 namespace vxt {
 namespace {
 InProc_JtagAccess instance;
@@ -8,7 +10,7 @@ InProc_JtagAccess instance;
 InProc_JtagAccess::InProc_JtagAccess() {
   // The component is there from load on; the result is looked at by the
   // operations, which find a null table when it failed.
-  Voxtrel_GetJtag(&jtag);
+  BindTable(&Voxtrel_GetJtag, jtag);
 }
 
 InProc_JtagAccess& InProc_JtagAccess::Instance() { return instance; }

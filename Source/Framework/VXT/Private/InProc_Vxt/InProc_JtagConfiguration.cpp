@@ -1,5 +1,7 @@
 #include "InProc_JtagConfiguration.h"
 
+#include "BindTable.h"
+
 namespace vxt {
 namespace {
 InProc_JtagConfiguration instance;
@@ -8,8 +10,8 @@ InProc_JtagConfiguration instance;
 InProc_JtagConfiguration::InProc_JtagConfiguration() {
   // The component is there from load on; the result is looked at by the
   // operations, which find a null table when it failed.
-  Voxtrel_GetJtag(&jtag);
-  Voxtrel_GetTargetManager(&targetManager);
+  BindTable(&Voxtrel_GetJtag, jtag);
+  BindTable(&Voxtrel_GetTargetManager, targetManager);
 }
 
 InProc_JtagConfiguration& InProc_JtagConfiguration::Instance() { return instance; }

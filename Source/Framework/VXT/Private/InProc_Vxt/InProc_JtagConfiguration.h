@@ -2,8 +2,8 @@
 #pragma once
 
 #include "Jtag.h"
-#include "TargetManager.h"
 #include "SingletonService.h"
+#include "TargetManager.h"
 #include "frame/ServiceLogger.h"
 
 namespace vxt {

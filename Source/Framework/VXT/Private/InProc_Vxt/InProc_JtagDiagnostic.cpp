@@ -1,5 +1,7 @@
 #include "InProc_JtagDiagnostic.h"
 
+#include "BindTable.h"
+
 namespace vxt {
 namespace {
 InProc_JtagDiagnostic instance;
@@ -8,7 +10,7 @@ InProc_JtagDiagnostic instance;
 InProc_JtagDiagnostic::InProc_JtagDiagnostic() {
   // The component is there from load on; the result is looked at by the
   // operations, which find a null table when it failed.
-  Voxtrel_GetJtag(&jtag);
+  BindTable(&Voxtrel_GetJtag, jtag);
 }
 
 InProc_JtagDiagnostic& InProc_JtagDiagnostic::Instance() { return instance; }

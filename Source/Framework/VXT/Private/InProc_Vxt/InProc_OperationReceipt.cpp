@@ -1,5 +1,7 @@
 #include "InProc_OperationReceipt.h"
 
+#include "BindTable.h"
+
 namespace vxt {
 namespace {
 InProc_OperationReceipt instance;
@@ -8,7 +10,7 @@ InProc_OperationReceipt instance;
 InProc_OperationReceipt::InProc_OperationReceipt() {
   // The component is there from load on; the result is looked at by the
   // operations, which find a null table when it failed.
-  Voxtrel_GetOperationReceipt(&operationReceipt);
+  BindTable(&Voxtrel_GetOperationReceipt, operationReceipt);
 }
 
 InProc_OperationReceipt& InProc_OperationReceipt::Instance() { return instance; }

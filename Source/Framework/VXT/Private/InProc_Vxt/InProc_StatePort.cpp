@@ -1,5 +1,7 @@
 #include "InProc_StatePort.h"
 
+#include "BindTable.h"
+
 #include "Error.h"
 #include "frame/InternalCodes.h"
 
@@ -11,9 +13,10 @@ InProc_StatePort instance;
 InProc_StatePort& InProc_StatePort::Instance() { return instance; }
 
 uint32_t InProc_StatePort::Initialize() {
-  uint32_t result = Voxtrel_GetStatePort(&statePort);
+  uint32_t result = BindTable(&Voxtrel_GetStatePort, statePort);
   if (result != 0)
-    Voxtrel_ErrorPostError(result, "InProc_StatePort::Initialize - Error getting StatePort Interface", __FILE__, __LINE__);
+    Voxtrel_ErrorPostError(result, "InProc_StatePort::Initialize - Error getting StatePort Interface", __FILE__,
+                           __LINE__);
   if (statePort != nullptr) {
     result = statePort->Initialize();
   } else {

@@ -1,8 +1,8 @@
 // The StatePort service object.
 #pragma once
 
-#include "StatePort.h"
 #include <cstdint>
+#include "StatePort.h"
 
 #include "SingletonService.h"
 #include "frame/ServiceLogger.h"

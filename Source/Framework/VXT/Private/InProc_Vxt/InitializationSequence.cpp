@@ -1,4 +1,5 @@
 #include "InitializationSequence.h"
+#include "BindTable.h"
 
 #include "ConnectionState.h"
 #include "InProc_AsmDasm.h"
@@ -36,62 +37,80 @@ uint32_t FinishTarget() {
 uint32_t BindGeneral() {
   InProc_General& general = InProc_General::Instance();
   if (general.closeCallbackSubscribed) return 0;
-  const uint32_t commonCode = Voxtrel_GetCommon(&general.common);
-  const uint32_t brokerCode = Voxtrel_GetEventBroker(&general.eventBroker);
+  const uint32_t commonCode = BindTable(&Voxtrel_GetCommon, general.common);
+  const uint32_t brokerCode = BindTable(&Voxtrel_GetEventBroker, general.eventBroker);
   if (commonCode == 0 && brokerCode == 0 && general.eventBroker != nullptr)
     general.eventBroker->Subscribe("Client", &InProc_General::_ClientCloseCallback, nullptr, "InProc_General");
   general.closeCallbackSubscribed = true;
   return commonCode != 0 ? commonCode : brokerCode;
 }
 
-uint32_t BindRunControlConfiguration() { return Voxtrel_GetRunControl(&InProc_RunControlConfiguration::Instance().runControl); }
+uint32_t BindRunControlConfiguration() {
+  return BindTable(&Voxtrel_GetRunControl, InProc_RunControlConfiguration::Instance().runControl);
+}
 
 uint32_t BindBreak() {
   InProc_Break& service = InProc_Break::Instance();
-  if (const uint32_t code = Voxtrel_GetPlatformControl(&service.platformControl); code != 0) return code;
-  if (const uint32_t code = Voxtrel_GetRunControl(&service.runControl); code != 0) return code;
-  return Voxtrel_GetTargetManager(&service.targetManager);
+  if (const uint32_t code = BindTable(&Voxtrel_GetPlatformControl, service.platformControl); code != 0) return code;
+  if (const uint32_t code = BindTable(&Voxtrel_GetRunControl, service.runControl); code != 0) return code;
+  return BindTable(&Voxtrel_GetTargetManager, service.targetManager);
 }
 
-uint32_t BindBreakpoint() { return Voxtrel_GetRunControl(&InProc_Breakpoint::Instance().runControl); }
-uint32_t BindBreakpointManagement() { return Voxtrel_GetRunControl(&InProc_BreakpointManagement::Instance().runControl); }
-uint32_t BindMemory() { return Voxtrel_GetRunControl(&InProc_Memory::Instance().runControl); }
-uint32_t BindRegister() { return Voxtrel_GetRunControl(&InProc_Register::Instance().runControl); }
+uint32_t BindBreakpoint() { return BindTable(&Voxtrel_GetRunControl, InProc_Breakpoint::Instance().runControl); }
+uint32_t BindBreakpointManagement() {
+  return BindTable(&Voxtrel_GetRunControl, InProc_BreakpointManagement::Instance().runControl);
+}
+uint32_t BindMemory() { return BindTable(&Voxtrel_GetRunControl, InProc_Memory::Instance().runControl); }
+uint32_t BindRegister() { return BindTable(&Voxtrel_GetRunControl, InProc_Register::Instance().runControl); }
 uint32_t BindStatePort() { return InProc_StatePort::Instance().Initialize(); }
-uint32_t BindPlatformControl() { return Voxtrel_GetPlatformControl(&InProc_PlatformControl::Instance().platformControl); }
+uint32_t BindPlatformControl() {
+  return BindTable(&Voxtrel_GetPlatformControl, InProc_PlatformControl::Instance().platformControl);
+}
 
 // The interface port component reports its events through a callback.
 uint32_t BindInterfacePort() {
   const InterfacePortComponent*& table = InProc_InterfacePort::Instance().interfacePort;
-  if (const uint32_t code = Voxtrel_GetInterfacePort(&table); code != 0) return code;
+  if (const uint32_t code = BindTable(&Voxtrel_GetInterfacePort, table); code != 0) return code;
   if (table == nullptr) return code::kInvalidArgument;
   if (const uint32_t code = table->Initialize(); code != 0) return code;
   return table->SetEventCallback(&InterfacePortEventCallback);
 }
 
-uint32_t BindAsmDasm() { return Voxtrel_GetRunControl(&InProc_AsmDasm::Instance().runControl); }
+uint32_t BindAsmDasm() { return BindTable(&Voxtrel_GetRunControl, InProc_AsmDasm::Instance().runControl); }
 
 // The pins service copes with missing tables itself, so its getters never
 // stop the sequence.
 uint32_t BindInterfacePins() {
   InProc_InterfacePins& service = InProc_InterfacePins::Instance();
-  Voxtrel_GetInterfacePins(&service.interfacePins);
-  Voxtrel_GetPlatformControl(&service.platformControl);
+  BindTable(&Voxtrel_GetInterfacePins, service.interfacePins);
+  BindTable(&Voxtrel_GetPlatformControl, service.platformControl);
   return 0;
 }
 
-uint32_t BindPrecondition() { return Voxtrel_GetPrecondition(&InProc_Precondition::Instance().precondition); }
-uint32_t BindDma() { return Voxtrel_GetDma(&InProc_Dma::Instance().dma); }
+uint32_t BindPrecondition() {
+  return BindTable(&Voxtrel_GetPrecondition, InProc_Precondition::Instance().precondition);
+}
+uint32_t BindDma() { return BindTable(&Voxtrel_GetDma, InProc_Dma::Instance().dma); }
 
 using Step = uint32_t (*)();
 
 // The fixed order of the sequence.
 constexpr Step kSequence[] = {
-    &FinishTarget,        &BindGeneral,      &EnsureRunControlInitialized,
-    &BindRunControlConfiguration, &BindBreak, &BindBreakpoint,
-    &BindBreakpointManagement,    &BindMemory, &BindRegister,
-    &BindStatePort,       &BindPlatformControl, &BindInterfacePort,
-    &BindAsmDasm,         &BindInterfacePins,   &BindPrecondition,
+    &FinishTarget,
+    &BindGeneral,
+    &EnsureRunControlInitialized,
+    &BindRunControlConfiguration,
+    &BindBreak,
+    &BindBreakpoint,
+    &BindBreakpointManagement,
+    &BindMemory,
+    &BindRegister,
+    &BindStatePort,
+    &BindPlatformControl,
+    &BindInterfacePort,
+    &BindAsmDasm,
+    &BindInterfacePins,
+    &BindPrecondition,
     &BindDma,
 };
 

@@ -13,8 +13,8 @@
 #include "Common.h"
 #include "ConnectionState.h"
 #include "Logging.h"
-#include "Telemetry.h"
 #include "TargetManager.h"
+#include "Telemetry.h"
 #include "VXT_Exports.h"
 #include "frame/CatchAll.h"
 #include "frame/ErrorContext.h"
@@ -122,14 +122,15 @@ uint32_t Connect(VXT_Client* client, uint32_t isLocal, uint32_t hostingType, voi
   if (code != 0) return code;
 
   if (port != nullptr) {
-    Voxtrel_ErrorPostError(code::kNotSupported,
-                           "A port was passed in to InProc_Vxt::StartNewInstance(). This is not supported at the moment",
-                           __FILE__, __LINE__);
+    Voxtrel_ErrorPostError(
+        code::kNotSupported,
+        "A port was passed in to InProc_Vxt::StartNewInstance(). This is not supported at the moment", __FILE__,
+        __LINE__);
     return code::kNotSupported;
   }
   if (hostingType == VXT_ServerHostingType_In_Process_Allow_Connections) {
-    Voxtrel_ErrorPostError(code::kNotSupported,
-                           "VXT_ServerHostingType_In_Process_Allow_Connections is not supported", __FILE__, __LINE__);
+    Voxtrel_ErrorPostError(code::kNotSupported, "VXT_ServerHostingType_In_Process_Allow_Connections is not supported",
+                           __FILE__, __LINE__);
     return code::kNotSupported;
   }
 

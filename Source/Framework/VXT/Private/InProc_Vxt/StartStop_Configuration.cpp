@@ -5,8 +5,8 @@
 #include "Configuration.h"
 #include "ConnectionState.h"
 #include "InitializationSequence.h"
-#include "Telemetry.h"
 #include "TargetManager.h"
+#include "Telemetry.h"
 #include "VXT_Exports.h"
 #include "frame/CatchAll.h"
 #include "frame/ErrorContext.h"
@@ -25,8 +25,8 @@ using frame::OperationSite;
 // initializationMutex, refuse null pointers with the call's own text, and
 // otherwise pass the call to the Configuration component unchanged.
 template <class InArgs, class OutArgs, class Forward>
-VXT_Result ForwardToConfiguration(const OperationSite& site, const InArgs& in, const OutArgs& out,
-                                  bool pointersGiven, const char* nullPointerText, Forward forward) {
+VXT_Result ForwardToConfiguration(const OperationSite& site, const InArgs& in, const OutArgs& out, bool pointersGiven,
+                                  const char* nullPointerText, Forward forward) {
   ConnectionState& state = ConnectionState::Get();
   const frame::ServiceLogger& logger = state.connectionLogger;
   frame::TraceLine(logger, 1, frame::InLine<InArgs>{site, in}, frame::kTrailer);
@@ -74,10 +74,10 @@ using namespace vxt;
 using namespace vxt::frame;
 
 extern "C" VXT_Result SelectConfigurationByFileName(const char* fileName) {
-  return ForwardToConfiguration(VXT_ENTRY(SelectConfigurationByFileName), TraceArgs("fileName", Quoted{fileName}),
-                                NoArgs{}, fileName != nullptr,
-                                "VXT_SelectConfigurationByFileName was passed a null pointer",
-                                [&](const ConfigurationComponent& c) { return c.SelectConfigurationByFileName(fileName); });
+  return ForwardToConfiguration(
+      VXT_ENTRY(SelectConfigurationByFileName), TraceArgs("fileName", Quoted{fileName}), NoArgs{}, fileName != nullptr,
+      "VXT_SelectConfigurationByFileName was passed a null pointer",
+      [&](const ConfigurationComponent& c) { return c.SelectConfigurationByFileName(fileName); });
 }
 
 extern "C" VXT_Result SelectConfigurationByName(const char* configurationName) {
@@ -95,22 +95,22 @@ extern "C" VXT_Result GetAvailableConfigurationCount(uint32_t* configurationCoun
       [&](const ConfigurationComponent& c) { return c.GetAvailableConfigurationCount(configurationCount); });
 }
 
-extern "C" VXT_Result GetAvailableConfigurations(uint32_t maxConfigurationCount, VXT_ConfigurationName* configurations) {
-  return ForwardToConfiguration(
-      VXT_ENTRY(GetAvailableConfigurations), TraceArgs("maxConfigurationCount", Dec{maxConfigurationCount}),
-      NoArgs{}, configurations != nullptr, "VXT_GetAvailableConfigurations was passed a null pointer",
-      [&](const ConfigurationComponent& c) {
-        return c.GetAvailableConfigurations(maxConfigurationCount, configurations);
-      });
+extern "C" VXT_Result GetAvailableConfigurations(uint32_t maxConfigurationCount,
+                                                 VXT_ConfigurationName* configurations) {
+  return ForwardToConfiguration(VXT_ENTRY(GetAvailableConfigurations),
+                                TraceArgs("maxConfigurationCount", Dec{maxConfigurationCount}), NoArgs{},
+                                configurations != nullptr, "VXT_GetAvailableConfigurations was passed a null pointer",
+                                [&](const ConfigurationComponent& c) {
+                                  return c.GetAvailableConfigurations(maxConfigurationCount, configurations);
+                                });
 }
 
 extern "C" VXT_Result SetConfigurationParameters(uint32_t parameterCount, const char* const* parameterNames,
                                                  const char* const* parameterValues) {
   return ForwardToConfiguration(
       VXT_ENTRY(SetConfigurationParameters),
-      TraceArgs("parameterCount", Dec{parameterCount}, "parameterNames",
-                List<Quoted>(parameterNames, parameterCount), "parameterValues",
-                List<Quoted>(parameterValues, parameterCount)),
+      TraceArgs("parameterCount", Dec{parameterCount}, "parameterNames", List<Quoted>(parameterNames, parameterCount),
+                "parameterValues", List<Quoted>(parameterValues, parameterCount)),
       NoArgs{}, parameterNames != nullptr && parameterValues != nullptr,
       "VXT_SetConfigurationParameters was passed a null pointer", [&](const ConfigurationComponent& c) {
         return c.SetConfigurationParameters(parameterCount, parameterNames, parameterValues);
@@ -157,8 +157,8 @@ extern "C" VXT_Result FinishInitialization(void) {
     Telemetry_SendEvent("Client_Lifespan", "Client_Info");
     Telemetry_SendEvent("Server_Lifespan", "Server_Initialization");
   }
-  NestedTraceLine(state.connectionLogger, 2, -1, "Out InProc_Vxt::FinishInitialization() ErrorCode = ",
-                  Hex8{publicCode}, kTrailer);
+  NestedTraceLine(state.connectionLogger, 2, -1,
+                  "Out InProc_Vxt::FinishInitialization() ErrorCode = ", Hex8{publicCode}, kTrailer);
   return publicCode;
 }
 

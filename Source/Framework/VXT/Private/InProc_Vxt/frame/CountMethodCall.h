@@ -10,8 +10,6 @@ void CountCall(const char* method);
 
 // Counts "<method>(<detail>)"; a null detail counts as "<NULL>".
 void CountMethodCall(const char* method, const char* detail);
-inline void CountMethodCall(const char* method, const std::string& detail) {
-  CountMethodCall(method, detail.c_str());
-}
+inline void CountMethodCall(const char* method, const std::string& detail) { CountMethodCall(method, detail.c_str()); }
 
 }  // namespace vxt::frame

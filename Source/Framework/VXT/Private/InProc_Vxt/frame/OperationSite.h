@@ -12,10 +12,10 @@ struct OperationSite {
   const char* method;     // "AsmDasm::Assemble", the telemetry counter value
   const char* file;
   uint32_t line;
-  bool counted = false;      // Counts "VXT_Call" with `method` before its checks
-  uint32_t outLevel = 1;     // Level of the Out line
-  bool outTrailer = true;    // Out line ends with the client id
-  bool contextFirst = false; // Error context opened ahead of the In line
+  bool counted = false;       // Counts "VXT_Call" with `method` before its checks
+  uint32_t outLevel = 1;      // Level of the Out line
+  bool outTrailer = true;     // Out line ends with the client id
+  bool contextFirst = false;  // Error context opened ahead of the In line
 
   // The operation counts its calls.
   constexpr OperationSite Counted() const {
