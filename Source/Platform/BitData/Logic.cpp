@@ -1,0 +1,112 @@
+// Bitwise combination of fields.
+#include <functional>
+
+#include "WordStorage.h"
+
+namespace voxtrel::bitdata {
+namespace {
+
+enum class Order { Any, Ascending, Descending };
+
+// The order in which the destination's words must be written so that a
+// source in the same vector is read before it is overwritten.
+Order OrderFor(const BitData* destination, uint64_t destinationOffset, const BitData* source,
+               uint64_t sourceOffset, uint64_t size) {
+  if (source != destination || sourceOffset == destinationOffset) return Order::Any;
+  const bool overlap = destinationOffset < sourceOffset + size && sourceOffset < destinationOffset + size;
+  if (!overlap) return Order::Any;
+  return destinationOffset < sourceOffset ? Order::Ascending : Order::Descending;
+}
+
+// All three fields start on a word boundary: a plain loop over whole words.
+template <class Operation>
+void CombineAligned(uint64_t* out, const uint64_t* left, const uint64_t* right, uint64_t size, bool descending,
+                    Operation operation) {
+  const uint64_t full = size / kWordBits;
+  const uint64_t tail = size % kWordBits;
+  auto writeTail = [&] {
+    if (tail == 0) return;
+    const uint64_t mask = LowMask(tail);
+    out[full] = (out[full] & ~mask) | (operation(left[full], right[full]) & mask);
+  };
+  if (descending) {
+    writeTail();
+    for (uint64_t word = full; word-- > 0;) out[word] = operation(left[word], right[word]);
+  } else if (out == left) {
+    // The common in-place form, written so the compiler sees one stream.
+    for (uint64_t word = 0; word < full; ++word) out[word] = operation(out[word], right[word]);
+    writeTail();
+  } else {
+    for (uint64_t word = 0; word < full; ++word) out[word] = operation(left[word], right[word]);
+    writeTail();
+  }
+}
+
+template <class Operation>
+uint32_t Combine(BitData* destination, uint64_t destinationOffset, const BitData* left, uint64_t leftOffset,
+                 const BitData* right, uint64_t rightOffset, uint64_t size, Operation operation) {
+  if (destination == nullptr || left == nullptr || right == nullptr) return BITDATA_NULL_ARGUMENT;
+  if (uint32_t code = CheckField(*destination, destinationOffset, size)) return code;
+  if (uint32_t code = CheckField(*left, leftOffset, size)) return code;
+  if (uint32_t code = CheckField(*right, rightOffset, size)) return code;
+  if (size == 0) return 0;
+
+  const uint64_t* leftWords = left->words;
+  const uint64_t* rightWords = right->words;
+  const Order leftOrder = OrderFor(destination, destinationOffset, left, leftOffset, size);
+  Order rightOrder = OrderFor(destination, destinationOffset, right, rightOffset, size);
+  std::vector<uint64_t> rightCopy;
+  if (leftOrder != Order::Any && rightOrder != Order::Any && leftOrder != rightOrder) {
+    // No single order suits both operands: read the right one from a copy.
+    rightCopy = NewStorage(size);
+    WriteField(rightCopy.data(), 0, size, false, [&](uint64_t pos) { return LoadBits(rightWords, rightOffset + pos); });
+    rightWords = rightCopy.data();
+    rightOffset = 0;
+    rightOrder = Order::Any;
+  }
+  const bool descending = leftOrder == Order::Descending || rightOrder == Order::Descending;
+
+  uint64_t* out = destination->words;
+  if ((destinationOffset | leftOffset | rightOffset) % kWordBits == 0) {
+    CombineAligned(out + destinationOffset / kWordBits, leftWords + leftOffset / kWordBits,
+                   rightWords + rightOffset / kWordBits, size, descending, operation);
+  } else {
+    WriteField(out, destinationOffset, size, descending, [&](uint64_t pos) {
+      return operation(LoadBits(leftWords, leftOffset + pos), LoadBits(rightWords, rightOffset + pos));
+    });
+  }
+  return 0;
+}
+
+}  // namespace
+}  // namespace voxtrel::bitdata
+
+using namespace voxtrel::bitdata;
+
+uint32_t BitData_BitwiseAnd(BitData* destination, uint64_t destinationOffset, const BitData* left,
+                            uint64_t leftOffset, const BitData* right, uint64_t rightOffset, uint64_t bitSize) {
+  return Combine(destination, destinationOffset, left, leftOffset, right, rightOffset, bitSize,
+                 std::bit_and<uint64_t>());
+}
+
+uint32_t BitData_BitwiseOr(BitData* destination, uint64_t destinationOffset, const BitData* left,
+                           uint64_t leftOffset, const BitData* right, uint64_t rightOffset, uint64_t bitSize) {
+  return Combine(destination, destinationOffset, left, leftOffset, right, rightOffset, bitSize,
+                 std::bit_or<uint64_t>());
+}
+
+uint32_t BitData_BitwiseXor(BitData* destination, uint64_t destinationOffset, const BitData* left,
+                            uint64_t leftOffset, const BitData* right, uint64_t rightOffset, uint64_t bitSize) {
+  return Combine(destination, destinationOffset, left, leftOffset, right, rightOffset, bitSize,
+                 std::bit_xor<uint64_t>());
+}
+
+uint32_t BitData_XorValue(BitData* object, uint64_t bitOffset, uint64_t bitSize, uint64_t value) {
+  if (uint32_t code = CheckField(object, bitOffset, bitSize)) return code;
+  uint64_t* words = object->words;
+  // Rotating the value to each window's field position repeats it every 64
+  // bits from the field's bit 0.
+  WriteField(words, bitOffset, bitSize, false,
+             [&](uint64_t pos) { return LoadBits(words, bitOffset + pos) ^ std::rotr(value, pos % kWordBits); });
+  return 0;
+}

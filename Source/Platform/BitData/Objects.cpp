@@ -1,0 +1,71 @@
+// Creating, resizing and releasing vectors.
+#include <cstring>
+#include <memory>
+
+#include "ObjectStorage.h"
+
+namespace voxtrel::bitdata {
+
+BitData* NewObject(uint64_t bitSize) {
+  const uint64_t capacity = WordsFor(bitSize) + 1;
+  auto object = std::make_unique<BitData>();
+  object->words = new uint64_t[capacity]();
+  object->wordCapacity = capacity;
+  object->bitSize = bitSize;
+  return object.release();
+}
+
+}  // namespace voxtrel::bitdata
+
+using namespace voxtrel::bitdata;
+
+BitData* BitData_CreateManaged(uint64_t bitSize) { return NewObject(bitSize); }
+
+BitData* BitData_CreateManagedFromUInt64(uint64_t bitSize, uint64_t value) {
+  BitData* object = NewObject(bitSize);
+  if (bitSize != 0) StoreBits(object->words, 0, value, std::min(bitSize, kWordBits));
+  return object;
+}
+
+BitData* BitData_CreateManagedFromBuffer(uint64_t bitSize, const uint8_t* buffer) {
+  if (buffer == nullptr && bitSize != 0) return nullptr;
+  BitData* object = NewObject(bitSize);
+  if (bitSize != 0) {
+    std::memcpy(object->words, buffer, bitSize / 8 + (bitSize % 8 != 0));
+    object->words[(bitSize - 1) / kWordBits] &= LowMask((bitSize - 1) % kWordBits + 1);
+  }
+  return object;
+}
+
+BitData* BitData_CreateManagedFromBitData(const BitData* source) {
+  if (source == nullptr) return nullptr;
+  BitData* object = NewObject(source->bitSize);
+  std::memcpy(object->words, source->words, WordsFor(source->bitSize) * sizeof(uint64_t));
+  return object;
+}
+
+void BitData_FreeManaged(BitData* object) {
+  if (object == nullptr) return;
+  delete[] object->words;
+  delete object;
+}
+
+uint32_t BitData_Resize(BitData* object, uint64_t newBitSize) {
+  if (object == nullptr) return BITDATA_NULL_ARGUMENT;
+  const uint64_t oldBitSize = object->bitSize;
+  if (newBitSize < oldBitSize) {
+    // Keeps the zero tail: what was cut off must read as zero when it grows back.
+    ClearField(object->words, newBitSize, oldBitSize - newBitSize);
+  } else if (WordsFor(newBitSize) + 1 > object->wordCapacity) {
+    // Grows by at least half again, so that growing step by step stays linear.
+    const uint64_t needed = WordsFor(newBitSize) + 1;
+    const uint64_t capacity = std::max(needed, object->wordCapacity + object->wordCapacity / 2);
+    auto* words = new uint64_t[capacity]();
+    std::memcpy(words, object->words, WordsFor(oldBitSize) * sizeof(uint64_t));
+    delete[] object->words;
+    object->words = words;
+    object->wordCapacity = capacity;
+  }
+  object->bitSize = newBitSize;
+  return 0;
+}
