@@ -1,0 +1,139 @@
+// Creating, copying, resizing and releasing vectors.
+#include "BitData_Reference.h"
+
+namespace bitdata_test {
+namespace {
+
+TEST(BitDataObjects, CreateManagedGivesZeroBitsOfTheLength) {
+  for (uint64_t size : kEdgeSizes) {
+    SCOPED_TRACE(size);
+    Vector object(BitData_CreateManaged(size));
+    ASSERT_NE(object, nullptr);
+    EXPECT_EQ(object->bitSize, size);
+    EXPECT_EQ(ToBits(object.get()), Bits(size, false));
+  }
+}
+
+TEST(BitDataObjects, CreateFromUInt64KeepsTheLowBitsOfTheValue) {
+  struct Case {
+    uint64_t size;
+    uint64_t value;
+    uint64_t stored;
+  };
+  const Case cases[] = {
+      {0, 0xFFFFFFFFFFFFFFFF, 0},
+      {1, 0x3, 0x1},
+      {4, 0xABCD, 0xD},
+      {63, 0xFFFFFFFFFFFFFFFF, 0x7FFFFFFFFFFFFFFF},
+      {64, 0x8000000000000001, 0x8000000000000001},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.size);
+    Vector object(BitData_CreateManagedFromUInt64(c.size, c.value));
+    EXPECT_EQ(object->bitSize, c.size);
+    EXPECT_EQ(BitData_GetUInt64(object.get(), 0), c.stored);
+    EXPECT_TRUE(TailIsClear(object.get()));
+  }
+}
+
+TEST(BitDataObjects, CreateFromUInt64LeavesBitsAbove64Zero) {
+  Vector object(BitData_CreateManagedFromUInt64(200, 0xFFFFFFFFFFFFFFFF));
+  Bits expected(200, false);
+  for (int i = 0; i < 64; ++i) expected[i] = true;
+  EXPECT_EQ(ToBits(object.get()), expected);
+}
+
+TEST(BitDataObjects, CreateFromBufferReadsBitZeroFromTheLowBitOfByteZero) {
+  const uint8_t bytes[] = {0x01, 0x80, 0xFF};
+  // 20 bits: the top four bits of the last byte lie outside and are dropped.
+  Vector object(BitData_CreateManagedFromBuffer(20, bytes));
+  EXPECT_EQ(object->bitSize, 20u);
+  EXPECT_EQ(BitData_GetUInt32(object.get(), 0), 0x0F8001u);
+  EXPECT_TRUE(TailIsClear(object.get()));
+}
+
+TEST(BitDataObjects, CreateFromBufferRoundTripsRandomBits) {
+  std::mt19937_64 random(11);
+  for (uint64_t size : PropertySizes(random)) {
+    SCOPED_TRACE(size);
+    const Bits bits = RandomBits(random, size);
+    Vector object = FromBits(bits);
+    EXPECT_EQ(ToBits(object.get()), bits);
+    EXPECT_TRUE(TailIsClear(object.get()));
+  }
+}
+
+TEST(BitDataObjects, CreateFromBufferRefusesANullBufferUnlessEmpty) {
+  EXPECT_EQ(BitData_CreateManagedFromBuffer(8, nullptr), nullptr);
+  Vector empty(BitData_CreateManagedFromBuffer(0, nullptr));
+  ASSERT_NE(empty, nullptr);
+  EXPECT_EQ(empty->bitSize, 0u);
+}
+
+TEST(BitDataObjects, CreateFromBitDataCopiesAndStaysIndependent) {
+  std::mt19937_64 random(12);
+  for (uint64_t size : kEdgeSizes) {
+    SCOPED_TRACE(size);
+    const Bits bits = RandomBits(random, size);
+    Vector source = FromBits(bits);
+    Vector copy(BitData_CreateManagedFromBitData(source.get()));
+    EXPECT_EQ(ToBits(copy.get()), bits);
+    if (size != 0) {
+      BitData_SetBit(source.get(), 0, !bits[0]);
+      EXPECT_EQ(BitData_GetBit(copy.get(), 0), bits[0]);
+    }
+  }
+  EXPECT_EQ(BitData_CreateManagedFromBitData(nullptr), nullptr);
+}
+
+TEST(BitDataObjects, FreeManagedAcceptsNull) {
+  BitData_FreeManaged(nullptr);
+  EXPECT_EQ(BitData_Resize(nullptr, 4), BITDATA_NULL_ARGUMENT);
+}
+
+TEST(BitDataObjects, ResizeKeepsBitsAndAddsZeros) {
+  std::mt19937_64 random(13);
+  for (uint64_t size : PropertySizes(random)) {
+    Bits model = RandomBits(random, size);
+    Vector object = FromBits(model);
+    BitData* const address = object.get();
+    for (int round = 0; round < 8; ++round) {
+      const uint64_t newSize = Uniform(random, 0, size + 300);
+      SCOPED_TRACE(::testing::Message() << size << " -> " << newSize);
+      ASSERT_EQ(BitData_Resize(object.get(), newSize), 0u);
+      model.resize(newSize, false);
+      EXPECT_EQ(object.get(), address);
+      ASSERT_EQ(object->bitSize, newSize);
+      EXPECT_EQ(ToBits(object.get()), model);
+      EXPECT_TRUE(TailIsClear(object.get()));
+      // New bits must work like any others.
+      if (newSize != 0) {
+        const uint64_t bit = Uniform(random, 0, newSize - 1);
+        BitData_SetBit(object.get(), bit, true);
+        model[bit] = true;
+      }
+    }
+  }
+}
+
+TEST(BitDataObjects, ShrinkThenGrowBringsBackZeros) {
+  Vector object(BitData_CreateManagedFromUInt64(64, 0xFFFFFFFFFFFFFFFF));
+  ASSERT_EQ(BitData_Resize(object.get(), 3), 0u);
+  ASSERT_EQ(BitData_Resize(object.get(), 64), 0u);
+  EXPECT_EQ(BitData_GetUInt64(object.get(), 0), 0x7u);
+}
+
+TEST(BitDataObjects, GrowingStepByStepKeepsEveryBit) {
+  Vector object(BitData_CreateManaged(0));
+  Bits model;
+  for (int step = 0; step < 400; ++step) {
+    ASSERT_EQ(BitData_Resize(object.get(), object->bitSize + 7), 0u);
+    model.resize(model.size() + 7, false);
+    BitData_SetBit(object.get(), object->bitSize - 1, true);
+    model.back() = true;
+  }
+  EXPECT_EQ(ToBits(object.get()), model);
+}
+
+}  // namespace
+}  // namespace bitdata_test
