@@ -26,7 +26,9 @@ uint32_t BitData_GetBuffer(const BitData* object, uint64_t bitOffset, uint8_t* b
   const uint64_t bits = object->bitSize - bitOffset;
   const uint64_t needed = bits / 8 + (bits % 8 != 0);
   const uint64_t written = std::min(needed, bufferSize);
-  if (bitOffset % 8 == 0) {
+  if (written == 0) {
+    // Nothing to copy; the buffer may be null.
+  } else if (bitOffset % 8 == 0) {
     std::memcpy(buffer, reinterpret_cast<const uint8_t*>(object->words) + bitOffset / 8, written);
   } else {
     for (uint64_t byte = 0; byte < written; byte += 8) {
