@@ -1,6 +1,8 @@
 // Decimal conversion in chunks of 19 digits: one 128-by-64-bit division per
 // word and chunk going out, one 64-by-64-bit multiplication per word and
-// chunk coming in.
+// chunk coming in. The division multiplies by a precomputed reciprocal
+// (Möller and Granlund, "Improved division by invariant integers", 2011),
+// several times faster than a division instruction.
 #include "DecimalText.h"
 
 #include <array>
@@ -21,19 +23,38 @@ constexpr std::array<uint64_t, kChunkDigits + 1> kPowersOfTen = [] {
 }();
 
 constexpr uint64_t kChunk = kPowersOfTen[kChunkDigits];
+static_assert(kChunk >> 63 == 1, "the reciprocal method needs the divisor's top bit set");
+
+// floor((2^128 - 1) / kChunk) - 2^64.
+constexpr uint64_t kChunkReciprocal = static_cast<uint64_t>(~static_cast<u128>(0) / kChunk);
+
+// (high * 2^64 + low) / kChunk, with the remainder; high must be below kChunk.
+uint64_t DivideByChunk(uint64_t high, uint64_t low, uint64_t& remainder) {
+  u128 estimate = static_cast<u128>(kChunkReciprocal) * high;
+  estimate += (static_cast<u128>(high) << 64) | low;
+  uint64_t quotient = static_cast<uint64_t>(estimate >> 64) + 1;
+  uint64_t rest = low - quotient * kChunk;
+  if (rest > static_cast<uint64_t>(estimate)) {
+    --quotient;
+    rest += kChunk;
+  }
+  if (rest >= kChunk) {
+    ++quotient;
+    rest -= kChunk;
+  }
+  remainder = rest;
+  return quotient;
+}
 
 void TrimZeroWords(std::vector<uint64_t>& words) {
   while (!words.empty() && words.back() == 0) words.pop_back();
 }
 
 // Divides `words` by 10^19 in place and gives the remainder.
-uint64_t DivideByChunk(std::vector<uint64_t>& words) {
+uint64_t DivideWordsByChunk(std::vector<uint64_t>& words) {
   uint64_t remainder = 0;
   for (size_t i = words.size(); i-- > 0;) {
-    const u128 current = (static_cast<u128>(remainder) << 64) | words[i];
-    const uint64_t quotient = static_cast<uint64_t>(current / kChunk);
-    remainder = static_cast<uint64_t>(current) - quotient * kChunk;
-    words[i] = quotient;
+    words[i] = DivideByChunk(remainder, words[i], remainder);
   }
   TrimZeroWords(words);
   return remainder;
@@ -48,7 +69,7 @@ std::string WordsToDecimal(const uint64_t* words, uint64_t wordCount) {
   std::vector<uint64_t> chunks;  // least significant first
   // 64 bits carry at most 19.27 digits, so about one chunk per word.
   chunks.reserve(number.size() + number.size() / 32 + 1);
-  while (!number.empty()) chunks.push_back(DivideByChunk(number));
+  while (!number.empty()) chunks.push_back(DivideWordsByChunk(number));
 
   char digits[kChunkDigits + 1];
   auto [end, error] = std::to_chars(digits, digits + sizeof digits, chunks.back());

@@ -11,12 +11,7 @@ uint32_t BitData_Copy(const BitData* source, uint64_t sourceOffset, BitData* des
   if (source == nullptr || destination == nullptr) return BITDATA_NULL_ARGUMENT;
   if (uint32_t code = CheckField(*source, sourceOffset, bitSize)) return code;
   if (uint32_t code = CheckField(*destination, destinationOffset, bitSize)) return code;
-  const uint64_t* from = source->words;
-  // Within one vector, a copy upwards has to start at the top so that it
-  // reads each bit before overwriting it.
-  const bool descending = source == destination && destinationOffset > sourceOffset;
-  WriteField(destination->words, destinationOffset, bitSize, descending,
-             [&](uint64_t pos) { return LoadBits(from, sourceOffset + pos); });
+  CopyBits(destination->words, destinationOffset, source->words, sourceOffset, bitSize);
   return 0;
 }
 

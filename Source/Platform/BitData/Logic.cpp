@@ -1,6 +1,4 @@
 // Bitwise combination of fields.
-#include <functional>
-
 #include "WordStorage.h"
 
 namespace voxtrel::bitdata {
@@ -18,33 +16,17 @@ Order OrderFor(const BitData* destination, uint64_t destinationOffset, const Bit
   return destinationOffset < sourceOffset ? Order::Ascending : Order::Descending;
 }
 
-// All three fields start on a word boundary: a plain loop over whole words.
-template <class Operation>
-void CombineAligned(uint64_t* out, const uint64_t* left, const uint64_t* right, uint64_t size, bool descending,
-                    Operation operation) {
-  const uint64_t full = size / kWordBits;
-  const uint64_t tail = size % kWordBits;
-  auto writeTail = [&] {
-    if (tail == 0) return;
-    const uint64_t mask = LowMask(tail);
-    out[full] = (out[full] & ~mask) | (operation(left[full], right[full]) & mask);
-  };
-  if (descending) {
-    writeTail();
-    for (uint64_t word = full; word-- > 0;) out[word] = operation(left[word], right[word]);
-  } else if (out == left) {
-    // The common in-place form, written so the compiler sees one stream.
-    for (uint64_t word = 0; word < full; ++word) out[word] = operation(out[word], right[word]);
-    writeTail();
-  } else {
-    for (uint64_t word = 0; word < full; ++word) out[word] = operation(left[word], right[word]);
-    writeTail();
+uint64_t Apply(Logic logic, uint64_t left, uint64_t right) {
+  switch (logic) {
+    case Logic::And: return left & right;
+    case Logic::Or: return left | right;
+    case Logic::Xor: return left ^ right;
   }
+  return 0;
 }
 
-template <class Operation>
 uint32_t Combine(BitData* destination, uint64_t destinationOffset, const BitData* left, uint64_t leftOffset,
-                 const BitData* right, uint64_t rightOffset, uint64_t size, Operation operation) {
+                 const BitData* right, uint64_t rightOffset, uint64_t size, Logic logic) {
   if (destination == nullptr || left == nullptr || right == nullptr) return BITDATA_NULL_ARGUMENT;
   if (uint32_t code = CheckField(*destination, destinationOffset, size)) return code;
   if (uint32_t code = CheckField(*left, leftOffset, size)) return code;
@@ -67,12 +49,20 @@ uint32_t Combine(BitData* destination, uint64_t destinationOffset, const BitData
   const bool descending = leftOrder == Order::Descending || rightOrder == Order::Descending;
 
   uint64_t* out = destination->words;
-  if ((destinationOffset | leftOffset | rightOffset) % kWordBits == 0) {
-    CombineAligned(out + destinationOffset / kWordBits, leftWords + leftOffset / kWordBits,
-                   rightWords + rightOffset / kWordBits, size, descending, operation);
+  if ((destinationOffset | leftOffset | rightOffset) % kWordBits == 0 && !descending) {
+    // Word-aligned fields: whole words, then the partial top word.
+    const uint64_t full = size / kWordBits;
+    uint64_t* to = out + destinationOffset / kWordBits;
+    const uint64_t* a = leftWords + leftOffset / kWordBits;
+    const uint64_t* b = rightWords + rightOffset / kWordBits;
+    CombineWords(to, a, b, full, logic);
+    if (const uint64_t tail = size % kWordBits) {
+      const uint64_t mask = LowMask(tail);
+      to[full] = (to[full] & ~mask) | (Apply(logic, a[full], b[full]) & mask);
+    }
   } else {
     WriteField(out, destinationOffset, size, descending, [&](uint64_t pos) {
-      return operation(LoadBits(leftWords, leftOffset + pos), LoadBits(rightWords, rightOffset + pos));
+      return Apply(logic, LoadBits(leftWords, leftOffset + pos), LoadBits(rightWords, rightOffset + pos));
     });
   }
   return 0;
@@ -85,20 +75,17 @@ using namespace voxtrel::bitdata;
 
 uint32_t BitData_BitwiseAnd(BitData* destination, uint64_t destinationOffset, const BitData* left,
                             uint64_t leftOffset, const BitData* right, uint64_t rightOffset, uint64_t bitSize) {
-  return Combine(destination, destinationOffset, left, leftOffset, right, rightOffset, bitSize,
-                 std::bit_and<uint64_t>());
+  return Combine(destination, destinationOffset, left, leftOffset, right, rightOffset, bitSize, Logic::And);
 }
 
 uint32_t BitData_BitwiseOr(BitData* destination, uint64_t destinationOffset, const BitData* left,
                            uint64_t leftOffset, const BitData* right, uint64_t rightOffset, uint64_t bitSize) {
-  return Combine(destination, destinationOffset, left, leftOffset, right, rightOffset, bitSize,
-                 std::bit_or<uint64_t>());
+  return Combine(destination, destinationOffset, left, leftOffset, right, rightOffset, bitSize, Logic::Or);
 }
 
 uint32_t BitData_BitwiseXor(BitData* destination, uint64_t destinationOffset, const BitData* left,
                             uint64_t leftOffset, const BitData* right, uint64_t rightOffset, uint64_t bitSize) {
-  return Combine(destination, destinationOffset, left, leftOffset, right, rightOffset, bitSize,
-                 std::bit_xor<uint64_t>());
+  return Combine(destination, destinationOffset, left, leftOffset, right, rightOffset, bitSize, Logic::Xor);
 }
 
 uint32_t BitData_XorValue(BitData* object, uint64_t bitOffset, uint64_t bitSize, uint64_t value) {

@@ -1,5 +1,7 @@
 // Questions about a field: where its set bits are, how many, its parity, and
 // how it compares.
+#include <cstring>
+
 #include "WordStorage.h"
 
 namespace voxtrel::bitdata {
@@ -56,6 +58,8 @@ uint64_t FindLastSet(const uint64_t* words, uint64_t begin, uint64_t end) {
   return word * kWordBits + (kWordBits - 1 - std::countl_zero(bits));
 }
 
+constexpr uint64_t kCompareStretch = 64;
+
 int32_t CompareWords(uint64_t left, uint64_t right) { return left == right ? 0 : (left < right ? -1 : 1); }
 
 // Both fields start on a word boundary: compare whole words from the top.
@@ -64,10 +68,13 @@ int32_t CompareAligned(const uint64_t* left, const uint64_t* right, uint64_t siz
   if (const uint64_t tail = size % kWordBits) {
     if (int32_t order = CompareWords(left[word] & LowMask(tail), right[word] & LowMask(tail))) return order;
   }
-  for (; word >= kScanBlock; word -= kScanBlock) {
-    uint64_t differ = 0;
-    for (uint64_t k = 1; k <= kScanBlock; ++k) differ |= left[word - k] ^ right[word - k];
-    if (differ != 0) break;
+  // Equal words are common: memcmp, the fastest equality test at hand,
+  // settles them in one pass. Otherwise memcmp stretches, from the top, lead
+  // to the highest word that differs.
+  if (std::memcmp(left, right, word * sizeof(uint64_t)) == 0) return 0;
+  for (; word >= kCompareStretch; word -= kCompareStretch) {
+    const uint64_t start = word - kCompareStretch;
+    if (std::memcmp(left + start, right + start, kCompareStretch * sizeof(uint64_t)) != 0) break;
   }
   while (word > 0) {
     --word;

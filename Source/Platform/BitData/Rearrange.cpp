@@ -24,11 +24,10 @@ void ShiftField(BitData& object, uint64_t offset, uint64_t size, uint64_t distan
   }
   const uint64_t kept = size - distance;
   if (upwards) {
-    WriteField(words, offset + distance, kept, true, [&](uint64_t pos) { return LoadBits(words, offset + pos); });
+    CopyBits(words, offset + distance, words, offset, kept);
     ClearField(words, offset, distance);
   } else {
-    WriteField(words, offset, kept, false,
-               [&](uint64_t pos) { return LoadBits(words, offset + distance + pos); });
+    CopyBits(words, offset, words, offset + distance, kept);
     ClearField(words, offset + kept, distance);
   }
 }

@@ -12,17 +12,18 @@ namespace {
 
 constexpr uint64_t kMaxTextLength = 0xFFFFFFFF;
 
-// The value of every character as a hexadecimal digit, or -1.
+// The value of every character as a hexadecimal digit; 255 for a character
+// that is no digit.
 constexpr auto kDigitValues = [] {
-  std::array<int8_t, 256> values{};
-  values.fill(-1);
-  for (int c = '0'; c <= '9'; ++c) values[c] = static_cast<int8_t>(c - '0');
-  for (int c = 'a'; c <= 'f'; ++c) values[c] = static_cast<int8_t>(c - 'a' + 10);
-  for (int c = 'A'; c <= 'F'; ++c) values[c] = static_cast<int8_t>(c - 'A' + 10);
+  std::array<uint8_t, 256> values{};
+  values.fill(255);
+  for (int c = '0'; c <= '9'; ++c) values[c] = static_cast<uint8_t>(c - '0');
+  for (int c = 'a'; c <= 'f'; ++c) values[c] = static_cast<uint8_t>(c - 'a' + 10);
+  for (int c = 'A'; c <= 'F'; ++c) values[c] = static_cast<uint8_t>(c - 'A' + 10);
   return values;
 }();
 
-int DigitValue(char c) { return kDigitValues[static_cast<unsigned char>(c)]; }
+unsigned DigitValue(char c) { return kDigitValues[static_cast<unsigned char>(c)]; }
 
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\v' || c == '\f'; }
 
@@ -32,10 +33,31 @@ std::string_view TrimBlanks(std::string_view text) {
   return text;
 }
 
-bool AllDigitsBelow(std::string_view digits, int base) {
-  for (char c : digits) {
-    const int value = DigitValue(c);
-    if (value < 0 || value >= base) return false;
+bool AllDigitsBelow(std::string_view digits, unsigned base) {
+  for (char c : digits)
+    if (DigitValue(c) >= base) return false;
+  return true;
+}
+
+// Binary or hexadecimal digits, the last one lowest, into whole words: one
+// word's worth of digits at a time, checked as they are read.
+bool ReadPowerOfTwoDigits(std::string_view digits, unsigned bitsPerDigit, std::vector<uint64_t>& words) {
+  const unsigned base = 1u << bitsPerDigit;
+  const size_t digitsPerWord = kWordBits / bitsPerDigit;
+  words.assign(WordsFor(digits.size() * bitsPerDigit), 0);
+  size_t end = digits.size();
+  for (uint64_t& word : words) {
+    const size_t begin = end > digitsPerWord ? end - digitsPerWord : 0;
+    uint64_t value = 0;
+    bool bad = false;
+    for (size_t i = begin; i < end; ++i) {
+      const unsigned digit = DigitValue(digits[i]);
+      bad |= digit >= base;
+      value = (value << bitsPerDigit) | digit;
+    }
+    if (bad) return false;
+    word = value;
+    end = begin;
   }
   return true;
 }
@@ -48,20 +70,16 @@ struct Number {
 };
 
 // Digits in base 2, 10 or 16; decimal needs at least one digit.
-std::optional<Number> ReadNumber(std::string_view digits, int base) {
-  if (!AllDigitsBelow(digits, base)) return std::nullopt;
+std::optional<Number> ReadNumber(std::string_view digits, unsigned base) {
   Number number;
   if (base == 10) {
-    if (digits.empty()) return std::nullopt;
+    if (digits.empty() || !AllDigitsBelow(digits, 10)) return std::nullopt;
     number.words = DecimalToWords(digits);
     return number;
   }
   const unsigned bitsPerDigit = base == 16 ? 4 : 1;
+  if (!ReadPowerOfTwoDigits(digits, bitsPerDigit, number.words)) return std::nullopt;
   number.digitBits = digits.size() * bitsPerDigit;
-  number.words.assign(WordsFor(number.digitBits), 0);
-  uint64_t position = 0;
-  for (size_t i = digits.size(); i-- > 0; position += bitsPerDigit)
-    number.words[position / kWordBits] |= static_cast<uint64_t>(DigitValue(digits[i])) << (position % kWordBits);
   return number;
 }
 
@@ -71,7 +89,7 @@ uint64_t SignificantBits(const std::vector<uint64_t>& words) {
   return 0;
 }
 
-int BaseOfLetter(char letter) {
+unsigned BaseOfLetter(char letter) {
   switch (letter) {
     case 'b': case 'B': return 2;
     case 'd': case 'D': return 10;
@@ -94,7 +112,7 @@ BitData* ReadSized(std::string_view text, size_t quote) {
     return nullptr;
   uint64_t bitSize = 0;
   for (char c : length) bitSize = bitSize * 10 + static_cast<uint64_t>(c - '0');
-  const int base = BaseOfLetter(text[quote + 1]);
+  const unsigned base = BaseOfLetter(text[quote + 1]);
   if (bitSize > kMaxTextLength || base == 0) return nullptr;
   const auto number = ReadNumber(text.substr(quote + 2), base);
   if (!number || SignificantBits(number->words) > bitSize) return nullptr;
@@ -112,7 +130,7 @@ BitData* BitData_CreateManagedFromString(const char* text) {
   if (const size_t quote = trimmed.find('\''); quote != std::string_view::npos) return ReadSized(trimmed, quote);
   if (trimmed.size() >= 2 && trimmed[0] == '0') {
     const char prefix = trimmed[1];
-    const int base = prefix == 'x' || prefix == 'X' ? 16 : prefix == 'b' || prefix == 'B' ? 2 : 0;
+    const unsigned base = prefix == 'x' || prefix == 'X' ? 16 : prefix == 'b' || prefix == 'B' ? 2 : 0;
     if (base != 0) {
       const auto number = ReadNumber(trimmed.substr(2), base);
       if (!number || number->digitBits > kMaxTextLength) return nullptr;

@@ -135,8 +135,30 @@ inline void ClearField(uint64_t* words, uint64_t offset, uint64_t size) {
   WriteField(words, offset, size, false, [](uint64_t) { return uint64_t{0}; });
 }
 
-// Counts set bits of whole words; uses the processor's instruction where it
-// has one.
+// Copies the bits [sourceOffset, sourceOffset + size) of `source` to
+// [destinationOffset, destinationOffset + size) of `destination`. The two are
+// distinct storages or the same pointer; in one storage the ranges may
+// overlap. Both ranges must lie inside their vectors.
+void CopyBits(uint64_t* destination, uint64_t destinationOffset, const uint64_t* source, uint64_t sourceOffset,
+              uint64_t size);
+
+// Loops over whole words, using the processor's wider instructions where it
+// has them.
+
+// Counts set bits.
 uint64_t PopCountWords(const uint64_t* words, uint64_t count);
+
+enum class Logic { And, Or, Xor };
+
+// out[i] = left[i] <logic> right[i], upwards; `out` may be `left` or `right`.
+void CombineWords(uint64_t* out, const uint64_t* left, const uint64_t* right, uint64_t count, Logic logic);
+
+// destination[i] gets the 64 bits at bit `shift` (1 to 63) of source[i], so
+// source[count] is read too. The storages are distinct.
+void MoveWordsBetween(uint64_t* destination, const uint64_t* source, uint64_t count, unsigned shift);
+
+// The same within one storage: words[to + i] from word from + i at bit
+// `shift`, in the order that reads each word before it is overwritten.
+void MoveWordsWithin(uint64_t* words, uint64_t to, uint64_t from, uint64_t count, unsigned shift);
 
 }  // namespace voxtrel::bitdata
