@@ -1,0 +1,40 @@
+// The RunControl component: run control, memory and registers of the
+// target's threads.
+#include "RunControl.h"
+#include "RunControl/RunControlState.h"
+#include "Support/ComponentCall.h"
+#include "Target/PostFailure.h"
+
+namespace voxtrel::platform::run_control {
+
+target::TopologyBinding& RunControlTopology() {
+  static target::TopologyBinding binding("RunControl");
+  return binding;
+}
+
+namespace {
+
+uint32_t Initialize() {
+  VOXTREL_COMPONENT_CALL("RunControl.Initialize");
+  if (target::Outcome refused = RunControlTopology().Bind()) return VOXTREL_POST_FAILURE(*refused);
+  return 0;
+}
+
+uint32_t Uninitialize() {
+  VOXTREL_COMPONENT_CALL("RunControl.Uninitialize");
+  RunControlTopology().Unbind();
+  return 0;
+}
+
+constexpr RunControlComponent kRunControl{&Initialize, &Uninitialize};
+
+}  // namespace
+
+}  // namespace voxtrel::platform::run_control
+
+uint32_t Voxtrel_GetRunControl(const RunControlComponent** table) {
+  VOXTREL_COMPONENT_CALL("Voxtrel_GetRunControl");
+  if (!table) return voxtrel::platform::target::kNullArgument;
+  *table = &voxtrel::platform::run_control::kRunControl;
+  return 0;
+}

@@ -1,0 +1,13 @@
+// The topology the RunControl component works on, from its Initialize to
+// its Uninitialize. Its operations ask RunControlTopology() for the threads
+// and cores they drive.
+#pragma once
+
+#include "PlatformApi.h"
+#include "../Target/TopologyBinding.h"
+
+namespace voxtrel::platform::run_control {
+
+VOXTREL_PLATFORM_API target::TopologyBinding& RunControlTopology();
+
+}  // namespace voxtrel::platform::run_control
