@@ -41,7 +41,7 @@ uint32_t Combine(BitData* destination, uint64_t destinationOffset, const BitData
   if (leftOrder != Order::Any && rightOrder != Order::Any && leftOrder != rightOrder) {
     // No single order suits both operands: read the right one from a copy.
     rightCopy = NewStorage(size);
-    WriteField(rightCopy.data(), 0, size, false, [&](uint64_t pos) { return LoadBits(rightWords, rightOffset + pos); });
+    CopyBits(rightCopy.data(), 0, rightWords, rightOffset, size);
     rightWords = rightCopy.data();
     rightOffset = 0;
     rightOrder = Order::Any;

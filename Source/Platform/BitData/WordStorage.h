@@ -90,6 +90,13 @@ void WriteField(uint64_t* words, uint64_t offset, uint64_t size, bool descending
   }
 }
 
+// Copies the bits [sourceOffset, sourceOffset + size) of `source` to
+// [destinationOffset, destinationOffset + size) of `destination`. The two are
+// distinct storages or the same pointer; in one storage the ranges may
+// overlap. Both ranges must lie inside their vectors.
+void CopyBits(uint64_t* destination, uint64_t destinationOffset, const uint64_t* source, uint64_t sourceOffset,
+              uint64_t size);
+
 // Owned zero-filled storage for `bits` bits, spare word included.
 inline std::vector<uint64_t> NewStorage(uint64_t bits) { return std::vector<uint64_t>(WordsFor(bits) + 1, 0); }
 
@@ -103,12 +110,10 @@ class AlignedField {
       return;
     }
     copy_ = NewStorage(size);
-    const uint64_t* source = object.words;
-    WriteField(copy_.data(), 0, size, false, [&](uint64_t pos) { return LoadBits(source, offset + pos); });
+    CopyBits(copy_.data(), 0, object.words, offset, size);
     words_ = copy_.data();
   }
   const uint64_t* words() const { return words_; }
-  uint64_t size() const { return size_; }
   uint64_t wordCount() const { return WordsFor(size_); }
 
  private:
@@ -134,13 +139,6 @@ inline uint32_t CheckField(const BitData* object, uint64_t offset, uint64_t size
 inline void ClearField(uint64_t* words, uint64_t offset, uint64_t size) {
   WriteField(words, offset, size, false, [](uint64_t) { return uint64_t{0}; });
 }
-
-// Copies the bits [sourceOffset, sourceOffset + size) of `source` to
-// [destinationOffset, destinationOffset + size) of `destination`. The two are
-// distinct storages or the same pointer; in one storage the ranges may
-// overlap. Both ranges must lie inside their vectors.
-void CopyBits(uint64_t* destination, uint64_t destinationOffset, const uint64_t* source, uint64_t sourceOffset,
-              uint64_t size);
 
 // Loops over whole words, using the processor's wider instructions where it
 // has them.
