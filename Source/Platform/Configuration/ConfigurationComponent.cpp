@@ -88,7 +88,7 @@ uint32_t GetAvailableConfigurations(uint32_t maxConfigurationCount, VXT_Configur
   const std::vector<std::string> names = AvailableConfigurationNames();
   for (uint32_t index = 0; index < maxConfigurationCount; ++index) {
     char* record = configurations[index].name;
-    const std::string_view name = index < names.size() ? std::string_view(names[index]) : std::string_view();
+    const std::string_view name = index < names.size() ? std::string_view(names[index]) : std::string_view("");
     const size_t length = std::min<size_t>(name.size(), VXT_CONFIGURATION_NAME_SIZE - 1);
     std::memcpy(record, name.data(), length);
     record[length] = '\0';

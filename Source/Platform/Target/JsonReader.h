@@ -30,19 +30,19 @@ class VOXTREL_PLATFORM_API DescriptionProblem : public std::runtime_error {
 [[noreturn]] VOXTREL_PLATFORM_API void Fail(const std::string& place, std::string what);
 
 // JSON pointer of a member or element below `place`.
-std::string PlaceOf(const std::string& place, std::string_view member);
-std::string PlaceOf(const std::string& place, size_t index);
+VOXTREL_PLATFORM_API std::string PlaceOf(const std::string& place, std::string_view member);
+VOXTREL_PLATFORM_API std::string PlaceOf(const std::string& place, size_t index);
 
 // "string \"abc\"", "number 2.5", "object": what a value is, for messages.
-std::string Describe(const Json& value);
+VOXTREL_PLATFORM_API std::string Describe(const Json& value);
 
 // An unsigned number: a JSON number, or a string holding a decimal or
 // 0x-prefixed hexadecimal number (so that a parameter can give it).
-uint64_t ReadUnsigned(const Json& value, const std::string& place, uint64_t min, uint64_t max);
+VOXTREL_PLATFORM_API uint64_t ReadUnsigned(const Json& value, const std::string& place, uint64_t min, uint64_t max);
 
 // Reads one JSON object and refuses members it does not know. "comment" is
 // allowed in every object and ignored.
-class ObjectReader {
+class VOXTREL_PLATFORM_API ObjectReader {
  public:
   ObjectReader(const Json& value, std::string place, std::initializer_list<std::string_view> knownMembers,
                std::initializer_list<std::string_view> moreKnownMembers = {});
@@ -67,6 +67,6 @@ class ObjectReader {
 };
 
 // A text value of at most maxLength characters.
-std::string ReadString(const Json& value, const std::string& place, size_t maxLength);
+VOXTREL_PLATFORM_API std::string ReadString(const Json& value, const std::string& place, size_t maxLength);
 
 }  // namespace voxtrel::platform::target

@@ -4,10 +4,22 @@
 
 namespace voxtrel::platform::target_manager {
 
-uint32_t PublishTopologyEvent(const char* eventName) {
+namespace {
+
+// The TargetManager binds its peer's table once, when the platform is
+// loaded, as the library binds its own tables: publishing is then no getter
+// call of its own.
+const EventBrokerComponent* BindBroker() {
   const EventBrokerComponent* broker = nullptr;
-  if (const uint32_t code = Voxtrel_GetEventBroker(&broker); code != 0 || !broker) return code;
-  return broker->Publish(kTopologyEventType, eventName, nullptr);
+  return Voxtrel_GetEventBroker(&broker) == 0 ? broker : nullptr;
+}
+
+const EventBrokerComponent* const eventBroker = BindBroker();
+
+}  // namespace
+
+uint32_t PublishTopologyEvent(const char* eventName) {
+  return eventBroker ? eventBroker->Publish(kTopologyEventType, eventName, nullptr) : 0;
 }
 
 }  // namespace voxtrel::platform::target_manager
