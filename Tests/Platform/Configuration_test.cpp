@@ -234,14 +234,19 @@ TEST_F(ConfigurationTest, ARefusedParameterChangesNothing) {
     Posted posted;
   };
   const Case cases[] = {
-      {{"colour"}, {"red"},
+      {{"colour"},
+       {"red"},
        {kUnknownParameter, "Configuration parameter 'colour' is not declared by target description '" + kDataDir +
                                "/SmallBoard.json' (it declares: serial, board)"}},
-      {{"serial", "serial"}, {"A", "B"}, {kUnknownParameter, "Configuration parameter 'serial' is given more than once"}},
-      {{"serial", "board"}, {"A", nullptr},
+      {{"serial", "serial"},
+       {"A", "B"},
+       {kUnknownParameter, "Configuration parameter 'serial' is given more than once"}},
+      {{"serial", "board"},
+       {"A", nullptr},
        {kNullArgument, "Configuration.SetConfigurationParameters was given a null parameter value 1"}},
       {{nullptr}, {"A"}, {kNullArgument, "Configuration.SetConfigurationParameters was given a null parameter name 0"}},
-      {{"serial", "board"}, {"A", "Bad Name"},
+      {{"serial", "board"},
+       {"A", "Bad Name"},
        {kInvalidDescription, "Target description '" + kDataDir +
                                  "/SmallBoard.json' is invalid at /targetDomains/0/identifier: identifier 'Bad "
                                  "NameBoard' may hold only letters, digits, '_', '-' and '.'"}},
@@ -277,8 +282,9 @@ TEST_F(ConfigurationTest, NothingChangesWhileTheTargetIsInitialized) {
   const std::string server = kConfigurationsDir + "/TwoSocketServer.json";
   const char* names[] = {"probeSerial"};
   const char* values[] = {"X"};
-  const std::string tail = " while the target is initialized with configuration 'Default'; the target must be "
-                           "uninitialized first";
+  const std::string tail =
+      " while the target is initialized with configuration 'Default'; the target must be "
+      "uninitialized first";
   EXPECT_EQ(CallPosting([&] { return configuration.SelectConfigurationByName("SmallBoard"); }),
             (Posted{kRefusedInThisState, "Configuration 'SmallBoard' cannot be selected" + tail}));
   EXPECT_EQ(CallPosting([&] { return configuration.SelectConfigurationByFileName(server.c_str()); }),

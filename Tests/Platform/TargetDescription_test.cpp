@@ -93,8 +93,9 @@ TEST(TargetDescriptionTest, EachMistakeGivesItsWholeMessage) {
        "/targetDomains/0/packages", "expected an array, found object"},
       {"text for a count", [](Json& d) { d["targetDomains"][0]["packages"][0]["cores"][0]["threads"] = "two"; },
        core + "/threads", "expected an unsigned integer (or a string holding one), found string \"two\""},
-      {"object for threads", [](Json& d) { d["targetDomains"][0]["packages"][0]["cores"][0]["threads"] = Json::object(); },
-       core + "/threads", "expected a thread count or an array of threads, found object"},
+      {"object for threads",
+       [](Json& d) { d["targetDomains"][0]["packages"][0]["cores"][0]["threads"] = Json::object(); }, core + "/threads",
+       "expected a thread count or an array of threads, found object"},
       {"value out of range",
        [](Json& d) { d["targetDomains"][0]["debugPorts"][0]["jtagChains"][0]["tapControllers"][0]["irLength"] = 1; },
        tap + "/irLength", "value 1 is out of range 2..64"},
@@ -165,8 +166,8 @@ TEST(TargetDescriptionTest, EachMistakeGivesItsWholeMessage) {
        "/targetDomains/0/properties/Board", "expected a string, number or boolean, found object"},
       {"I2C address used twice",
        [](Json& d) {
-         d["targetDomains"][0]["debugPorts"][0]["i2cBuses"] = Json::parse(
-             R"([{"devices": [{"address": 80, "name": "A"}, {"address": "0x50", "name": "B"}]}])");
+         d["targetDomains"][0]["debugPorts"][0]["i2cBuses"] =
+             Json::parse(R"([{"devices": [{"address": 80, "name": "A"}, {"address": "0x50", "name": "B"}]}])");
        },
        "/targetDomains/0/debugPorts/0/i2cBuses/0/devices/1/address", "address 80 is already used by 'A'"},
       {"unknown parameter", [](Json& d) { d["targetDomains"][0]["properties"]["Serial"] = "${serail}"; },
@@ -179,7 +180,9 @@ TEST(TargetDescriptionTest, EachMistakeGivesItsWholeMessage) {
       {"memory that is no list", [](Json& d) { d["targetDomains"][0]["packages"][0]["memory"] = "all"; },
        "/targetDomains/0/packages/0/memory", "expected an array, found string \"all\""},
       {"too many devices",
-       [](Json& d) { d["targetDomains"][0]["packages"][0]["cores"][0] = Json{{"count", 4096}, {"threads", 256}}; },
+       [](Json& d) {
+         d["targetDomains"][0]["packages"][0]["cores"][0] = Json{{"count", 4096}, {"threads", 256}};
+       },
        core + "/threads", "the description declares more than 65536 devices"},
   };
   for (const Case& mistake : cases) {
@@ -187,8 +190,7 @@ TEST(TargetDescriptionTest, EachMistakeGivesItsWholeMessage) {
     mistake.mistake(description);
     const Failure failure = ParseFailure(description.dump(2));
     EXPECT_EQ(failure.code, kInvalidDescription) << mistake.name;
-    EXPECT_EQ(failure.message,
-              "Target description 'case.json' is invalid at " + mistake.place + ": " + mistake.what)
+    EXPECT_EQ(failure.message, "Target description 'case.json' is invalid at " + mistake.place + ": " + mistake.what)
         << mistake.name;
   }
 }
@@ -204,8 +206,9 @@ TEST(TargetDescriptionTest, TextThatIsNoJsonIsPlacedByLineAndColumn) {
       {"{\n  \"formatVersion\": 1,\n  \"targetDomains\": \"abc",
        "line 3, column 24: syntax error while parsing value - invalid string: missing closing quote; last read: "
        "'\"abc'"},
-      {"", "line 1, column 1: syntax error while parsing value - unexpected end of input; expected '[', '{', or a "
-           "literal"},
+      {"",
+       "line 1, column 1: syntax error while parsing value - unexpected end of input; expected '[', '{', or a "
+       "literal"},
       {std::string(65, '[') + std::string(65, ']'), "line 1, column 65: values are nested deeper than 64 levels"},
   };
   for (const Case& broken : cases) {

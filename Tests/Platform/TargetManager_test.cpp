@@ -45,31 +45,41 @@ class TargetManagerTest : public ::testing::Test {
   TargetModel& model_ = TargetModel::Instance();
 };
 
+// A getter, called with or without a place for its table.
+struct GetterCase {
+  const char* name;
+  std::function<uint32_t(bool withPointer, const void*& table)> get;
+};
+
+template <class Table>
+GetterCase MakeGetterCase(const char* name, uint32_t (*getter)(const Table**)) {
+  return {name, [getter](bool withPointer, const void*& table) {
+            const Table* typed = nullptr;
+            const uint32_t code = getter(withPointer ? &typed : nullptr);
+            table = typed;
+            return code;
+          }};
+}
+
 // Answers from library load on: the tables are constants.
 TEST_F(TargetManagerTest, EveryGetterGivesATableAndRefusesANullPointer) {
-  struct Case {
-    const char* name;
-    std::function<uint32_t(bool withPointer, const void*& table)> get;
+  const GetterCase cases[] = {
+      MakeGetterCase("PlatformControl", &Voxtrel_GetPlatformControl),
+      MakeGetterCase("InterfacePins", &Voxtrel_GetInterfacePins),
+      MakeGetterCase("Precondition", &Voxtrel_GetPrecondition),
+      MakeGetterCase("Dma", &Voxtrel_GetDma),
+      MakeGetterCase("Authorization", &Voxtrel_GetAuthorization),
+      MakeGetterCase("DeviceControl", &Voxtrel_GetDeviceControl),
+      MakeGetterCase("Jtag", &Voxtrel_GetJtag),
+      MakeGetterCase("I2c", &Voxtrel_GetI2c),
+      MakeGetterCase("OperationReceipt", &Voxtrel_GetOperationReceipt),
+      MakeGetterCase("Configuration", &Voxtrel_GetConfiguration),
+      MakeGetterCase("TargetManager", &Voxtrel_GetTargetManager),
+      MakeGetterCase("RunControl", &Voxtrel_GetRunControl),
+      MakeGetterCase("StatePort", &Voxtrel_GetStatePort),
+      MakeGetterCase("InterfacePort", &Voxtrel_GetInterfacePort),
   };
-  // The getters have different table types; each case converts its own.
-#define VXT_GETTER_CASE(Name)                                                          \
-  Case {                                                                               \
-    #Name, [](bool withPointer, const void*& table) {                                  \
-      const Name##Component* typed = nullptr;                                          \
-      const uint32_t code = Voxtrel_Get##Name(withPointer ? &typed : nullptr);         \
-      table = typed;                                                                   \
-      return code;                                                                     \
-    }                                                                                  \
-  }
-  const Case cases[] = {
-      VXT_GETTER_CASE(PlatformControl), VXT_GETTER_CASE(InterfacePins), VXT_GETTER_CASE(Precondition),
-      VXT_GETTER_CASE(Dma),             VXT_GETTER_CASE(Authorization), VXT_GETTER_CASE(DeviceControl),
-      VXT_GETTER_CASE(Jtag),            VXT_GETTER_CASE(I2c),           VXT_GETTER_CASE(OperationReceipt),
-      VXT_GETTER_CASE(Configuration),   VXT_GETTER_CASE(TargetManager), VXT_GETTER_CASE(RunControl),
-      VXT_GETTER_CASE(StatePort),       VXT_GETTER_CASE(InterfacePort),
-  };
-#undef VXT_GETTER_CASE
-  for (const Case& getterCase : cases) {
+  for (const GetterCase& getterCase : cases) {
     const void* table = nullptr;
     EXPECT_EQ(getterCase.get(true, table), 0u) << getterCase.name;
     EXPECT_NE(table, nullptr) << getterCase.name;
@@ -191,7 +201,9 @@ TEST_F(TargetManagerTest, ComponentsBindToTheTopologyBuiltWhenTheyAreInitialized
        voxtrel::platform::run_control::RunControlTopology()},
       {"StatePort", Get(&Voxtrel_GetStatePort).Initialize, Get(&Voxtrel_GetStatePort).Uninitialize,
        voxtrel::platform::state_port::StatePortTopology()},
-      {"InterfacePort", Get(&Voxtrel_GetInterfacePort).Initialize, {},
+      {"InterfacePort",
+       Get(&Voxtrel_GetInterfacePort).Initialize,
+       {},
        voxtrel::platform::interface_port::InterfacePortTopology()},
   };
   for (const Case& component : cases) {

@@ -54,28 +54,27 @@ uint32_t SelectConfigurationByFileName(const char* fileName) {
 }
 
 uint32_t SelectConfigurationByName(const char* configurationName) {
-  VOXTREL_COMPONENT_CALL("Configuration.SelectConfigurationByName", "configurationName=",
-                         QuotedArgument(configurationName));
+  VOXTREL_COMPONENT_CALL("Configuration.SelectConfigurationByName",
+                         "configurationName=", QuotedArgument(configurationName));
   if (!configurationName) return NullArgument("Configuration.SelectConfigurationByName", "configurationName");
   const std::string name(configurationName);
   if (name == target::kDefaultConfigurationName) {
-    target::Outcome outcome = TargetModel::Instance().Select(
-        {name, std::string(target::kDefaultDescriptionOrigin)}, std::string(target::DefaultDescriptionText()));
+    target::Outcome outcome = TargetModel::Instance().Select({name, std::string(target::kDefaultDescriptionOrigin)},
+                                                             std::string(target::DefaultDescriptionText()));
     return outcome ? VOXTREL_POST_FAILURE(*outcome) : 0;
   }
   const std::vector<std::string> names = AvailableConfigurationNames();
   if (std::find(names.begin(), names.end(), name) == names.end())
-    return VOXTREL_POST_FAILURE((Failure{target::kConfigurationNotFound,
-                                         "No configuration is named '" + name + "' in '" +
-                                             ConfigurationsDirectory().string() + "' (available: " + JoinNames(names) +
-                                             ")"}));
+    return VOXTREL_POST_FAILURE(
+        (Failure{target::kConfigurationNotFound, "No configuration is named '" + name + "' in '" +
+                                                     ConfigurationsDirectory().string() +
+                                                     "' (available: " + JoinNames(names) + ")"}));
   return SelectFile(ConfigurationsDirectory() / (name + ".json"), name);
 }
 
 uint32_t GetAvailableConfigurationCount(uint32_t* configurationCount) {
   VOXTREL_COMPONENT_CALL("Configuration.GetAvailableConfigurationCount");
-  if (!configurationCount)
-    return NullArgument("Configuration.GetAvailableConfigurationCount", "configurationCount");
+  if (!configurationCount) return NullArgument("Configuration.GetAvailableConfigurationCount", "configurationCount");
   *configurationCount = static_cast<uint32_t>(AvailableConfigurationNames().size());
   return 0;
 }
@@ -110,16 +109,16 @@ uint32_t SetConfigurationParameters(uint32_t parameterCount, const char* const* 
     if (!parameterValues[index])
       return NullArgument("Configuration.SetConfigurationParameters", ("parameter value " + position).c_str());
     if (!values.emplace(parameterNames[index], parameterValues[index]).second)
-      return VOXTREL_POST_FAILURE((Failure{target::kUnknownParameter, "Configuration parameter '" +
-                                                                          std::string(parameterNames[index]) +
-                                                                          "' is given more than once"}));
+      return VOXTREL_POST_FAILURE(
+          (Failure{target::kUnknownParameter,
+                   "Configuration parameter '" + std::string(parameterNames[index]) + "' is given more than once"}));
   }
   target::Outcome outcome = TargetModel::Instance().SetParameters(values);
   return outcome ? VOXTREL_POST_FAILURE(*outcome) : 0;
 }
 
 constexpr ConfigurationComponent kConfiguration{
-    &SelectConfigurationByFileName, &SelectConfigurationByName, &GetAvailableConfigurationCount,
+    &SelectConfigurationByFileName, &SelectConfigurationByName,  &GetAvailableConfigurationCount,
     &GetAvailableConfigurations,    &SetConfigurationParameters,
 };
 

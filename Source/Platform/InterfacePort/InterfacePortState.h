@@ -4,9 +4,9 @@
 
 #include <cstdint>
 
+#include "../Target/TopologyBinding.h"
 #include "InterfacePort.h"
 #include "PlatformApi.h"
-#include "../Target/TopologyBinding.h"
 
 namespace voxtrel::platform::interface_port {
 

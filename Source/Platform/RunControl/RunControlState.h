@@ -3,8 +3,8 @@
 // and cores they drive.
 #pragma once
 
-#include "PlatformApi.h"
 #include "../Target/TopologyBinding.h"
+#include "PlatformApi.h"
 
 namespace voxtrel::platform::run_control {
 

@@ -2,8 +2,8 @@
 // Uninitialize; the state ports are the "statePorts" of its devices.
 #pragma once
 
-#include "PlatformApi.h"
 #include "../Target/TopologyBinding.h"
+#include "PlatformApi.h"
 
 namespace voxtrel::platform::state_port {
 

@@ -72,8 +72,8 @@ uint64_t ReadUnsigned(const Json& value, const std::string& place, uint64_t min,
     number = ParseUnsignedText(value.get_ref<const std::string&>());
   if (!number) Fail(place, "expected an unsigned integer (or a string holding one), found " + Describe(value));
   if (*number < min || *number > max)
-    Fail(place, "value " + std::to_string(*number) + " is out of range " + std::to_string(min) + ".." +
-                    std::to_string(max));
+    Fail(place,
+         "value " + std::to_string(*number) + " is out of range " + std::to_string(min) + ".." + std::to_string(max));
   return *number;
 }
 
@@ -120,8 +120,7 @@ uint64_t ObjectReader::RequiredUnsigned(std::string_view member, uint64_t min, u
   return ReadUnsigned(*value, Place(member), min, max);
 }
 
-uint64_t ObjectReader::OptionalUnsigned(std::string_view member, uint64_t min, uint64_t max,
-                                        uint64_t fallback) const {
+uint64_t ObjectReader::OptionalUnsigned(std::string_view member, uint64_t min, uint64_t max, uint64_t fallback) const {
   const Json* value = Find(member);
   return value ? ReadUnsigned(*value, Place(member), min, max) : fallback;
 }

@@ -19,8 +19,7 @@ namespace voxtrel::platform::target {
 // message. Never leaves the parser.
 class VOXTREL_PLATFORM_API DescriptionProblem : public std::runtime_error {
  public:
-  DescriptionProblem(std::string place, std::string what)
-      : std::runtime_error(what), place_(std::move(place)) {}
+  DescriptionProblem(std::string place, std::string what) : std::runtime_error(what), place_(std::move(place)) {}
   const std::string& Place() const { return place_; }
 
  private:

@@ -36,10 +36,11 @@ inline constexpr uint32_t kNodeTypeCount = 20;
 // "Unknown", "LogicalRoot", ... as clients see them; "<UNKNOWN>" past the table.
 constexpr std::string_view NodeTypeName(NodeType type) {
   constexpr std::string_view names[kNodeTypeCount] = {
-      "Unknown",      "LogicalRoot",   "TargetDomain",  "LogicalThread",      "LogicalCore",
-      "LogicalUncore", "LogicalChipset", "LogicalBox",   "LogicalDie",         "LogicalPackage",
-      "LogicalGroupDomain", "LogicalGroupCore", "Debugport", "JTAGScanChain", "TAPController",
-      "InterfacePort", "LogicalModule", "I2cBus",       "PinsInterface",      "VirtualJTAGScanChain",
+      "Unknown",       "LogicalRoot",    "TargetDomain",       "LogicalThread",
+      "LogicalCore",   "LogicalUncore",  "LogicalChipset",     "LogicalBox",
+      "LogicalDie",    "LogicalPackage", "LogicalGroupDomain", "LogicalGroupCore",
+      "Debugport",     "JTAGScanChain",  "TAPController",      "InterfacePort",
+      "LogicalModule", "I2cBus",         "PinsInterface",      "VirtualJTAGScanChain",
   };
   const auto index = static_cast<uint32_t>(type);
   return index < kNodeTypeCount ? names[index] : std::string_view("<UNKNOWN>");

@@ -49,7 +49,8 @@ std::vector<std::pair<std::string, std::string>> ReadParameterDeclarations(const
   const auto found = root.find("parameters");
   if (found == root.end()) return declared;
   const std::string place = "/parameters";
-  if (!found->is_object()) Fail(place, "expected an object of parameter names and default texts, found " + Describe(*found));
+  if (!found->is_object())
+    Fail(place, "expected an object of parameter names and default texts, found " + Describe(*found));
   for (const auto& [name, value] : found->items()) {
     if (!IsParameterName(name))
       Fail(PlaceOf(place, name), "parameter name '" + name +

@@ -126,9 +126,9 @@ ParsedDescription Build(const Json& document, const DescriptionOrigin& origin,
 std::variant<ParsedDescription, Failure> ParseTargetDescription(std::string_view text, const DescriptionOrigin& origin,
                                                                 const ParameterValues& values) {
   if (text.size() > kMaxDescriptionSize)
-    return Invalid(origin, "the top level",
-                   "the text of " + std::to_string(text.size()) + " bytes is larger than " +
-                       std::to_string(kMaxDescriptionSize));
+    return Invalid(
+        origin, "the top level",
+        "the text of " + std::to_string(text.size()) + " bytes is larger than " + std::to_string(kMaxDescriptionSize));
   if (const std::optional<size_t> tooDeep = FindTooDeepNesting(text))
     return Invalid(origin, AtPosition(PositionOf(text, *tooDeep)),
                    "values are nested deeper than " + std::to_string(kMaxNestingDepth) + " levels");
@@ -149,8 +149,9 @@ std::variant<ParsedDescription, Failure> ParseTargetDescription(std::string_view
       bool known = false;
       for (const auto& declaration : declared) known = known || declaration.first == name;
       if (!known)
-        return Failure{kUnknownParameter, "Configuration parameter '" + name + "' is not declared by target description '" +
-                                              origin.where + "' (it declares: " + JoinNames(declared) + ")"};
+        return Failure{kUnknownParameter, "Configuration parameter '" + name +
+                                              "' is not declared by target description '" + origin.where +
+                                              "' (it declares: " + JoinNames(declared) + ")"};
     }
     return Build(document, origin, std::move(declared), values);
   } catch (const DescriptionProblem& problem) {

@@ -36,7 +36,8 @@ struct ParsedDescription {
 //   Target description 'Broken.json' is invalid at /targetDomains/0/packages: expected an array, found object
 // Codes: kInvalidDescription, or kUnknownParameter for a name in `values`
 // that the description does not declare.
-VOXTREL_PLATFORM_API std::variant<ParsedDescription, Failure> ParseTargetDescription(std::string_view text, const DescriptionOrigin& origin,
-                                                                const ParameterValues& values);
+VOXTREL_PLATFORM_API std::variant<ParsedDescription, Failure> ParseTargetDescription(std::string_view text,
+                                                                                     const DescriptionOrigin& origin,
+                                                                                     const ParameterValues& values);
 
 }  // namespace voxtrel::platform::target

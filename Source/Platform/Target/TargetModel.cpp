@@ -32,8 +32,8 @@ std::shared_ptr<const Selection> ParseSelection(DescriptionOrigin origin, std::s
     failure = std::move(*refused);
     return nullptr;
   }
-  return std::make_shared<const Selection>(Selection{std::move(origin), std::move(text), std::move(values),
-                                                     std::move(std::get<ParsedDescription>(parsed))});
+  return std::make_shared<const Selection>(
+      Selection{std::move(origin), std::move(text), std::move(values), std::move(std::get<ParsedDescription>(parsed))});
 }
 
 }  // namespace
@@ -67,7 +67,8 @@ Outcome TargetModel::SetParameters(const ParameterValues& values) {
   if (!current) return failure;
   ParameterValues merged = values;
   merged.insert(current->values.begin(), current->values.end());  // Keeps the new value of a name given twice
-  std::shared_ptr<const Selection> selection = ParseSelection(current->origin, current->text, std::move(merged), failure);
+  std::shared_ptr<const Selection> selection =
+      ParseSelection(current->origin, current->text, std::move(merged), failure);
   if (!selection) return failure;
   selection_ = std::move(selection);
   return std::nullopt;

@@ -103,14 +103,14 @@ using NodeDetails = std::variant<std::monostate, TapControllerDetails, DebugPort
 struct VOXTREL_PLATFORM_API Node {
   uint32_t id = 0;
   NodeType type = NodeType::Unknown;
-  std::string identifier;           // At most 63 characters, unique in its target domain
-  uint32_t parentId = 0;            // 0 for the root
-  uint32_t targetDomainId = 0;      // The domain's own id for a domain; 0 for the root
-  std::vector<uint32_t> childIds;   // In traversal order
-  bool enabled = true;              // As described
-  std::vector<Property> properties; // In the order described
-  uint32_t debugPortId = 0;         // The debug port that reaches the node; 0 if none does
-  uint32_t coreGroupId = 0;         // Cores and their threads: their group; 0 if none
+  std::string identifier;                  // At most 63 characters, unique in its target domain
+  uint32_t parentId = 0;                   // 0 for the root
+  uint32_t targetDomainId = 0;             // The domain's own id for a domain; 0 for the root
+  std::vector<uint32_t> childIds;          // In traversal order
+  bool enabled = true;                     // As described
+  std::vector<Property> properties;        // In the order described
+  uint32_t debugPortId = 0;                // The debug port that reaches the node; 0 if none does
+  uint32_t coreGroupId = 0;                // Cores and their threads: their group; 0 if none
   std::optional<DebugAccess> debugAccess;  // Own or inherited from the nearest ancestor
   NodeDetails details;
   // Members such as "memory", "registers", "statePorts", kept for the

@@ -21,11 +21,10 @@ constexpr uint64_t kMaxThreadsPerCore = 256;
 
 // Members every node object may have.
 const std::initializer_list<std::string_view> kNodeMembers = {"identifier", "enabled",   "properties",
-                                                                  "memory",     "registers", "statePorts"};
+                                                              "memory",     "registers", "statePorts"};
 
 bool IsIdentifierCharacter(char c) {
-  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '-' ||
-         c == '.';
+  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '-' || c == '.';
 }
 
 bool IsInstructionName(std::string_view name) {
@@ -122,8 +121,8 @@ class Builder {
     node.targetDomainId = type == NodeType::TargetDomain ? node.id : nodes_[parentIndex].targetDomainId;
     const auto used = domain.placeByIdentifier.find(identifier);
     if (used != domain.placeByIdentifier.end())
-      Fail(place, "duplicate identifier '" + identifier + "' in its target domain (first used at " + used->second +
-                      ")");
+      Fail(place,
+           "duplicate identifier '" + identifier + "' in its target domain (first used at " + used->second + ")");
     node.identifier = std::move(identifier);
     const size_t index = nodes_.size();
     domain.placeByIdentifier.emplace(node.identifier, place);
@@ -160,8 +159,7 @@ class Builder {
     if (const Json* access = object.Find("debugAccess")) {
       const ObjectReader reader(*access, object.Place("debugAccess"), {"tap", "instruction"});
       domain.pendingDebugAccess.push_back({nodeIndex, reader.RequiredString("tap", kMaxIdentifierLength),
-                                           reader.RequiredString("instruction", kMaxIdentifierLength),
-                                           reader.Place()});
+                                           reader.RequiredString("instruction", kMaxIdentifierLength), reader.Place()});
     }
   }
 
@@ -203,8 +201,7 @@ class Builder {
     const size_t index = AddNode(NodeType::LogicalPackage, domain.domainIndex, std::move(identifier), place, domain);
     ReadCommonMembers(object, index, domain);
     const Json* dies = object.OptionalArray("dies");
-    if (dies && object.Find("cores"))
-      Fail(place, "a package holds either 'dies' or 'cores', not both");
+    if (dies && object.Find("cores")) Fail(place, "a package holds either 'dies' or 'cores', not both");
     if (dies)
       for (size_t position = 0; position < dies->size(); ++position)
         BuildDie((*dies)[position], PlaceOf(object.Place("dies"), position), index, domain);
@@ -333,9 +330,9 @@ class Builder {
   }
 
   void BuildTapController(const Json& value, const std::string& place, size_t chainIndex, DomainState& domain) {
-    const ObjectReader object(value, place, kNodeMembers,
-                              {"deviceType", "deviceSubType", "stepping", "idcode", "irLength", "instructions",
-                               "resetInstruction"});
+    const ObjectReader object(
+        value, place, kNodeMembers,
+        {"deviceType", "deviceSubType", "stepping", "idcode", "irLength", "instructions", "resetInstruction"});
     std::string identifier = ReadIdentifier(object);
     if (identifier.empty()) identifier = DefaultName(domain, "Tap");
     const size_t index = AddNode(NodeType::TAPController, chainIndex, std::move(identifier), place, domain);
@@ -382,8 +379,8 @@ class Builder {
     if (object.Find("resetInstruction")) {
       const std::string name = object.RequiredString("resetInstruction", kMaxIdentifierLength);
       if (const auto index = indexOf(name)) return *index;
-      Fail(object.Place("resetInstruction"), "unknown instruction '" + name + "' (this TAP controller has: " +
-                                                 JoinInstructionNames(tap) + ")");
+      Fail(object.Place("resetInstruction"),
+           "unknown instruction '" + name + "' (this TAP controller has: " + JoinInstructionNames(tap) + ")");
     }
     if (const auto index = indexOf("IDCODE")) return *index;
     if (const auto index = indexOf("BYPASS")) return *index;
@@ -408,8 +405,8 @@ class Builder {
         device.size = static_cast<uint32_t>(reader.OptionalUnsigned("size", 1, 65536, 256));
         for (const I2cDevice& other : bus.devices) {
           if (other.address == device.address)
-            Fail(reader.Place("address"), "address " + std::to_string(device.address) + " is already used by '" +
-                                              other.name + "'");
+            Fail(reader.Place("address"),
+                 "address " + std::to_string(device.address) + " is already used by '" + other.name + "'");
           if (other.name == device.name) Fail(reader.Place("name"), "duplicate device name '" + device.name + "'");
         }
         bus.devices.push_back(std::move(device));
@@ -428,7 +425,8 @@ class Builder {
     PinsInterfaceDetails details;
     const Json& pins = object.RequiredArray("pins", true);
     for (size_t position = 0; position < pins.size(); ++position) {
-      const ObjectReader reader(pins[position], PlaceOf(object.Place("pins"), position), {"name", "direction", "level"});
+      const ObjectReader reader(pins[position], PlaceOf(object.Place("pins"), position),
+                                {"name", "direction", "level"});
       Pin pin;
       pin.name = reader.RequiredString("name", kMaxIdentifierLength);
       if (!IsInstructionName(pin.name))
@@ -466,7 +464,8 @@ class Builder {
       const ObjectReader object((*groups)[position], place, kNodeMembers, {"members"});
       std::string identifier = ReadIdentifier(object);
       if (identifier.empty()) identifier = DefaultName(domain, "CoreGroup");
-      const size_t index = AddNode(NodeType::LogicalGroupCore, domain.domainIndex, std::move(identifier), place, domain);
+      const size_t index =
+          AddNode(NodeType::LogicalGroupCore, domain.domainIndex, std::move(identifier), place, domain);
       nodes_[index].details = CoreGroupDetails{};
       ReadCommonMembers(object, index, domain);
       const Json& members = object.RequiredArray("members", true);
@@ -555,8 +554,8 @@ class Builder {
       const Node& node = nodes_[index];
       const size_t parent = IndexOf(node.parentId);
       portAbove[index - domain.domainIndex] = node.type == NodeType::Debugport ? node.id
-                                              : parent > domain.domainIndex   ? portAbove[parent - domain.domainIndex]
-                                                                              : 0;
+                                              : parent > domain.domainIndex    ? portAbove[parent - domain.domainIndex]
+                                                                               : 0;
     }
     for (size_t index = domain.domainIndex; index < nodes_.size(); ++index) {
       Node& node = nodes_[index];

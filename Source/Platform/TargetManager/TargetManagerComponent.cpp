@@ -50,8 +50,8 @@ uint32_t Uninitialize() {
 }
 
 constexpr TargetManagerComponent kTargetManager{
-    &StartInitialization, &FinishInitialization, &BeginDynamicInitialization, &CancelDynamicInitialization,
-    &Uninitialize,
+    &StartInitialization,         &FinishInitialization, &BeginDynamicInitialization,
+    &CancelDynamicInitialization, &Uninitialize,
 };
 
 }  // namespace
