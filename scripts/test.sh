@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds and runs every test: the developer build, the AddressSanitizer +
 # UndefinedBehaviorSanitizer build, and the concurrency tests under
-# ThreadSanitizer.
+# ThreadSanitizer; and a client built against the installed package.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-dependencies.sh
@@ -13,4 +13,12 @@ for preset in dev asan tsan; do
   cmake --build --preset "$preset" -j "$jobs"
   echo "=== ${preset}: test"
   ctest --preset "$preset" -j "$jobs"
+  if [[ $preset == dev ]]; then
+    echo "=== dev: install and build a client against the package"
+    rm -rf build/package
+    cmake --install build/dev --prefix build/package/prefix >/dev/null
+    cmake -S Tests/Package -B build/package/client -DCMAKE_PREFIX_PATH="$PWD/build/package/prefix" >/dev/null
+    cmake --build build/package/client -j "$jobs"
+    build/package/client/package_client
+  fi
 done
