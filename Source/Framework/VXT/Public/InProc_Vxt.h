@@ -6,8 +6,10 @@
 
 #include "VXT_Client.h"
 #include "VXT_Configuration.h"
+#include "VXT_Enumerations.h"
 #include "VXT_ErrorCodes.h"
 #include "VXT_Exports.h"
+#include "VXT_Records.h"
 #include "VXT_ServiceIds.h"
 #include "VXT_Services.h"
 #include "VXT_Version.h"

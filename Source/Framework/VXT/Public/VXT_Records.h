@@ -1,0 +1,39 @@
+// Public records shared by several services: the bit vector record and the
+// target address.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "VXT_Enumerations.h"
+
+inline constexpr uint32_t VXT_BITDATA_SIZE = 16;
+inline constexpr uint32_t VXT_ADDRESS_SIZE = 24;
+
+// A client's reference to a bit vector held by the library. The client
+// allocates the record; the library fills it.
+struct VXT_BitData {
+  uint32_t structureSize;  // VXT_BITDATA_SIZE, set by the client
+  uint32_t bitSize;        // Length in bits, written by the library; leave it as written
+  uint64_t dataHandle;     // Handle in the calling client's table; 0 holds no vector
+};
+
+static_assert(sizeof(VXT_BitData) == VXT_BITDATA_SIZE);
+static_assert(offsetof(VXT_BitData, bitSize) == 4);
+static_assert(offsetof(VXT_BitData, dataHandle) == 8);
+
+// An address on the target, plain or logical.
+struct VXT_Address {
+  uint32_t structureSize;       // VXT_ADDRESS_SIZE, set by the caller
+  uint16_t ldtsel;              // LDT selector of a logical address
+  uint16_t segsel;              // Segment selector of a logical address
+  uint64_t offset;              // The address, or the offset of a logical one
+  VXT_AddressType addressType;  // How the fields above are to be read
+};
+
+static_assert(sizeof(VXT_Address) == VXT_ADDRESS_SIZE);
+static_assert(offsetof(VXT_Address, ldtsel) == 4);
+static_assert(offsetof(VXT_Address, segsel) == 6);
+static_assert(offsetof(VXT_Address, offset) == 8);
+static_assert(offsetof(VXT_Address, addressType) == 16);
+static_assert(sizeof(VXT_AddressType) == 4);
