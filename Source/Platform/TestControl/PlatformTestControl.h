@@ -112,6 +112,13 @@ VOXTREL_PLATFORM_API uint32_t PublishBrokerEvent(const std::string& typeName, co
                                                  const void* data);
 VOXTREL_PLATFORM_API size_t BrokerSubscriberCount(const std::string& typeName);
 
+// ---- Clients --------------------------------------------------------------
+
+// Lets the calling thread act for a client Common knows, as the thread that
+// registered it does: Common.GetClientId then gives its id. False, and the
+// thread acts for no client, if no client of that id is registered.
+VOXTREL_PLATFORM_API bool BindThreadToClient(int32_t clientId);
+
 // ---- Whole platform ---------------------------------------------------------
 
 // Back to the state of a fresh process for everything above: no capture,
