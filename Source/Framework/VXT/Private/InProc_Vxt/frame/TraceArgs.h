@@ -51,7 +51,7 @@ struct ArgList {
   friend std::ostream& operator<<(std::ostream& out, const ArgList& list) {
     std::apply(
         [&out](const auto&... arg) {
-          const char* separator = "";
+          [[maybe_unused]] const char* separator = "";
           ((out << separator << arg.name << " = " << arg.value, separator = " "), ...);
         },
         list.args);

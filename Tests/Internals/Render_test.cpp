@@ -1,0 +1,346 @@
+// The rendering classes of trace lines, the stream state they share within a
+// line, and the enumeration name tables.
+#include "frame/Render.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "VXT_Enumerations.h"
+#include "VXT_Records.h"
+
+namespace vxt::frame {
+namespace {
+
+// Renders the pieces into one stream, as a trace line is.
+template <class... Pieces>
+std::string Line(const Pieces&... pieces) {
+  std::ostringstream line;
+  (line << ... << pieces);
+  return line.str();
+}
+
+struct RenderCase {
+  const char* what;
+  std::string rendered;
+  std::string expected;
+};
+
+void ExpectAll(const std::vector<RenderCase>& cases) {
+  for (const RenderCase& c : cases) EXPECT_EQ(c.rendered, c.expected) << c.what;
+}
+
+TEST(RenderTest, SingleValues) {
+  const char unterminated[3] = {'a', 'b', 'c'};
+  ExpectAll({
+      {"hex2", Line(Hex2{uint8_t{0x0a}}), "0x0a"},
+      {"hex2 of a character prints a number", Line(Hex2{'A'}), "0x41"},
+      {"hex2 of 255", Line(Hex2{uint8_t{255}}), "0xff"},
+      {"hex4", Line(Hex4{uint16_t{0xff}}), "0x00ff"},
+      {"hex4 of the largest value", Line(Hex4{uint16_t{0xFFFF}}), "0xffff"},
+      {"hex8 of 0", Line(Hex8{0u}), "0x00000000"},
+      {"hex8 of 0xFFFFFFFF", Line(Hex8{0xFFFFFFFFu}), "0xffffffff"},
+      {"hex8 of a negative code", Line(Hex8{static_cast<int32_t>(0x80000001u)}), "0x80000001"},
+      {"hex8 of -1", Line(Hex8{int32_t{-1}}), "0xffffffff"},
+      {"hex16", Line(Hex16{uint64_t{0x1000}}), "0x0000000000001000"},
+      {"hex16 of the largest value", Line(Hex16{~uint64_t{0}}), "0xffffffffffffffff"},
+      {"dec of an unsigned value", Line(Dec{4294967295u}), "4294967295"},
+      {"dec of a negative value", Line(Dec{int32_t{-5}}), "-5"},
+      {"dec of the smallest 64-bit value", Line(Dec{std::numeric_limits<int64_t>::min()}), "-9223372036854775808"},
+      {"dec of the largest 64-bit value", Line(Dec{~uint64_t{0}}), "18446744073709551615"},
+      {"dec of a byte prints a number", Line(Dec{uint8_t{200}}), "200"},
+      {"dec of a signed byte", Line(Dec{int8_t{-1}}), "-1"},
+      {"dec of an enumeration", Line(Dec{VXT_BreakpointType_HW_Global}), "32768"},
+      {"bool true", Line(Bool{true}), "True"},
+      {"bool false", Line(Bool{false}), "False"},
+      {"32-bit boolean, nonzero", Line(Bool{2u}), "True"},
+      {"32-bit boolean, zero", Line(Bool{0u}), "False"},
+      {"quoted", Line(Quoted{"abc"}), "'abc'"},
+      {"quoted empty text", Line(Quoted{""}), "''"},
+      {"quoted null", Line(Quoted{nullptr}), "<NULL>"},
+      {"quoted field without its zero", Line(Quoted{unterminated, sizeof unterminated}), "'abc'"},
+      {"quoted field shorter than its bound", Line(Quoted{"ab", 8}), "'ab'"},
+      {"pointer", Line(Pointer{reinterpret_cast<const void*>(0xabcdef12u)}), "00000000ABCDEF12"},
+      {"null pointer", Line(Pointer{nullptr}), "0000000000000000"},
+      {"infinite timeout", Line(Timeout{0xFFFFFFFFu}), "<INFINITE>"},
+      {"finite timeout", Line(Timeout{5000}), "5000"},
+      {"zero timeout", Line(Timeout{0}), "0"},
+      {"omitted", Line(Omitted{}), "<OMITTED>"},
+      {"unlisted buffer", Line(NotListed{unterminated}), "{...}"},
+      {"unlisted null buffer", Line(NotListed{nullptr}), "<NULL>"},
+  });
+}
+
+TEST(RenderTest, EnumerationValues) {
+  ExpectAll({
+      {"index table", Line(Enum<StepTypeName>{VXT_StepType_Branch}), "Branch"},
+      {"index table, one past", Line(Enum<StepTypeName>{5}), "<UNKNOWN>"},
+      {"index table, negative", Line(Enum<StepTypeName>{-1}), "<UNKNOWN>"},
+      {"sparse table, named", Line(Enum<BreakpointTypeName>{VXT_BreakpointType_Default}), "Default"},
+      {"sparse table, unnamed in decimal", Line(Enum<BreakpointTypeName>{7u}), "7"},
+      {"signed sparse table, named", Line(Enum<JtagTdiTdoContinuityName>{VXT_JtagTdiTdoContinuity_CORRUPTION}),
+       "CORRUPTION"},
+      {"signed sparse table, negative", Line(Enum<JtagTdiTdoContinuityName>{int32_t{-3}}), "-3"},
+  });
+}
+
+// Base and fill persist within a line, a width lasts one insertion, and
+// every class sets what it needs.
+TEST(RenderTest, StreamStateWithinALine) {
+  ExpectAll({
+      {"dec after hex8", Line(Hex8{10u}, " ", Dec{10u}), "0x0000000a 10"},
+      {"hex8 after dec", Line(Dec{10u}, " ", Hex8{10u}), "10 0x0000000a"},
+      {"unnamed value after hex8 prints bare hexadecimal, unpadded",
+       Line(Hex8{1u}, " ", Enum<BreakpointTypeName>{77u}), "0x00000001 4d"},
+      {"unnamed value after dec prints decimal", Line(Hex8{1u}, " ", Dec{2u}, " ", Enum<BreakpointTypeName>{77u}),
+       "0x00000001 2 77"},
+      {"unnamed port byte size after hex16", Line(Hex16{uint64_t{1}}, " ", Enum<PortByteSizeName>{8u}),
+       "0x0000000000000001 8"},
+      {"negative unnamed signed value in hexadecimal keeps 32 bits",
+       Line(Hex2{uint8_t{1}}, " ", Enum<JtagTdiTdoContinuityName>{int32_t{-1}}), "0x01 ffffffff"},
+      {"unnamed value after bitdata is hexadecimal",
+       Line(BitDataText{nullptr}, " ", Dec{1u}, " ", Hex16{uint64_t{2}}, " ", Enum<JtagTdiTdoContinuityName>{16}),
+       "<NULL> 1 0x0000000000000002 10"},
+      {"hex digits stay lower case after a pointer",
+       Line(Pointer{reinterpret_cast<const void*>(0xabcu)}, " ", Hex8{0xabu}), "0000000000000ABC 0x000000ab"},
+      {"an unnamed value after a pointer is lower case",
+       Line(Pointer{nullptr}, " ", Enum<BreakpointTypeName>{0xabu}), "0000000000000000 ab"},
+      {"dec after a negative hex8", Line(Hex8{int32_t{-1}}, " ", Dec{int32_t{-1}}), "0xffffffff -1"},
+  });
+}
+
+// One row per index table: its first and last names and the first value
+// past the table, which has no name.
+struct IndexTable {
+  const char* table;
+  const char* (*nameOf)(uint32_t);
+  uint32_t lastValue;
+  const char* firstName;
+  const char* lastName;
+};
+
+TEST(EnumNamesTest, IndexTablesNameTheirRangeAndNothingElse) {
+  const IndexTable tables[] = {
+      {"InstructionType", InstructionTypeName, VXT_InstructionType_XBit, "16Bit", "XBit"},
+      {"PinsState", PinsStateName, VXT_PinsState_Deassert, "Assert", "Deassert"},
+      {"PinsSignal", PinsSignalName, VXT_PinsSignal_PWRGOOD, "HOOK0", "PWRGOOD"},
+      {"BitwiseOperation", BitwiseOperationName, VXT_BitwiseOperation_XOR, "OR", "XOR"},
+      {"BreakAllSetting", BreakAllSettingName, VXT_BreakAllSetting_Enabled, "Disabled", "Enabled"},
+      {"AddressType", AddressTypeName, VXT_AddressType_ThreeFieldLogical, "Physical", "ThreeFieldLogical"},
+      {"BreakpointDataSize", BreakpointDataSizeName, VXT_BreakpointDataSize_Data_Size_8, "Data_Size_1",
+       "Data_Size_8"},
+      {"DebugRegister", DebugRegisterName, VXT_DebugRegister_Register_3, "Register_Any", "Register_3"},
+      {"NodeType", NodeTypeName, VXT_NodeType_VirtualJTAGScanChain, "Unknown", "VirtualJTAGScanChain"},
+      {"InterfacePortState", InterfacePortStateName, VXT_InterfacePortState_Offline, "Unknown", "Offline"},
+      {"JtagRepeatType", JtagRepeatTypeName, VXT_JtagRepeatType_TRIGGER_OR_FAIL_AT_MAX_ITER, "MAX_ITER",
+       "TRIGGER_OR_FAIL_AT_MAX_ITER"},
+      {"JtagState", JtagStateName, VXT_JtagState_UpdIR, "TLR", "UpdIR"},
+      {"JtagResetType", JtagResetTypeName, VXT_JtagResetType_TRST_ONLY, "TLR_TRST", "TRST_ONLY"},
+      {"JtagWaitType", JtagWaitTypeName, VXT_JtagWaitType_COUNT_OR_TRIG_TRIGTO, "COUNT", "COUNT_OR_TRIG_TRIGTO"},
+      {"OperationStatus", OperationStatusName, VXT_OperationStatus_Failed, "Pending", "Failed"},
+      {"SurvivabilityPreset", SurvivabilityPresetName, VXT_SurvivabilityPreset_Custom, "PlatformDefault", "Custom"},
+      {"TransportFeature", TransportFeatureName, VXT_TransportFeature_Trace, "Transport", "Trace"},
+      {"Preference", PreferenceName, VXT_Preference_Disfavor, "Dont_Care", "Disfavor"},
+      {"PreconditionState", PreconditionStateName, VXT_PreconditionState_Unknown, "False", "Unknown"},
+      {"CpuidRegister", CpuidRegisterName, VXT_CpuidRegister_EDX, "EAX", "EDX"},
+      {"StepType", StepTypeName, VXT_StepType_Branch, "INVALID", "Branch"},
+      {"RunStatus", RunStatusName, VXT_RunStatus_NotSupported, "Running", "NotSupported"},
+      {"StepMode", StepModeName, VXT_StepMode_ReleaseAllThreads, "ReleaseTargetedThread", "ReleaseAllThreads"},
+  };
+  for (const IndexTable& t : tables) {
+    SCOPED_TRACE(t.table);
+    EXPECT_STREQ(t.nameOf(0), t.firstName);
+    EXPECT_STREQ(t.nameOf(t.lastValue), t.lastName);
+    EXPECT_STREQ(t.nameOf(t.lastValue + 1), "<UNKNOWN>");
+    EXPECT_STREQ(t.nameOf(0xFFFFFFFFu), "<UNKNOWN>");
+  }
+}
+
+// Names inside the longer tables, where a missing or doubled entry would
+// shift every later name.
+TEST(EnumNamesTest, InnerNamesOfLongTables) {
+  struct Inner {
+    const char* (*nameOf)(uint32_t);
+    uint32_t value;
+    const char* name;
+  };
+  const Inner names[] = {
+      {NodeTypeName, VXT_NodeType_LogicalGroupCore, "LogicalGroupCore"},
+      {NodeTypeName, VXT_NodeType_Debugport, "Debugport"},
+      {NodeTypeName, VXT_NodeType_I2cBus, "I2cBus"},
+      {JtagStateName, VXT_JtagState_UpdDR, "UpdDR"},
+      {JtagStateName, VXT_JtagState_SelIR, "SelIR"},
+      {PinsSignalName, VXT_PinsSignal_HOOK7, "HOOK7"},
+      {PinsSignalName, VXT_PinsSignal_Reset, "Reset"},
+      {PinsSignalName, VXT_PinsSignal_PRDY, "PRDY"},
+      {AddressTypeName, VXT_AddressType_OneFieldStackLogical, "OneFieldStackLogical"},
+      {BitwiseOperationName, VXT_BitwiseOperation_AND, "AND"},
+      {StepTypeName, VXT_StepType_Out, "Out"},
+      {RunStatusName, VXT_RunStatus_Halted, "Halted"},
+  };
+  for (const Inner& n : names) EXPECT_STREQ(n.nameOf(n.value), n.name) << n.value;
+}
+
+// Sparse tables: every named value, and the gaps between and around them.
+TEST(EnumNamesTest, SparseTablesNameOnlyTheirValues) {
+  struct Sparse {
+    const char* (*nameOf)(uint32_t);
+    uint32_t value;
+    const char* name;  // null: no name
+  };
+  const Sparse names[] = {
+      {BreakpointTypeName, VXT_BreakpointType_SW, "SW"},
+      {BreakpointTypeName, VXT_BreakpointType_HW_IO, "HW_IO"},
+      {BreakpointTypeName, 5, nullptr},
+      {BreakpointTypeName, 0x7FFF, nullptr},
+      {BreakpointTypeName, VXT_BreakpointType_HW_Global, "HW_Global"},
+      {BreakpointTypeName, VXT_BreakpointType_Default, "Default"},
+      {BreakpointTypeName, 0x8002, nullptr},
+      {AccessWidthName, 0, nullptr},
+      {AccessWidthName, VXT_AccessWidth_Byte, "Byte"},
+      {AccessWidthName, VXT_AccessWidth_Word, "Word"},
+      {AccessWidthName, 3, nullptr},
+      {AccessWidthName, VXT_AccessWidth_DWord, "DWord"},
+      {AccessWidthName, VXT_AccessWidth_QWord, "QWord"},
+      {AccessWidthName, 16, nullptr},
+      {PortByteSizeName, 1, "Byte"},
+      {PortByteSizeName, 4, "DWord"},
+      {PortByteSizeName, 8, nullptr},
+      {JtagTdiTdoContinuityName, VXT_JtagTdiTdoContinuity_GOOD, "GOOD"},
+      {JtagTdiTdoContinuityName, VXT_JtagTdiTdoContinuity_SHORT, "SHORT"},
+      {JtagTdiTdoContinuityName, 3, nullptr},
+      {JtagTdiTdoContinuityName, VXT_JtagTdiTdoContinuity_INVERTED, "INVERTED"},
+      {JtagTdiTdoContinuityName, VXT_JtagTdiTdoContinuity_CORRUPTION, "CORRUPTION"},
+      {JtagTdiTdoContinuityName, 0xFFFFFFFFu, nullptr},
+  };
+  for (const Sparse& n : names) {
+    const char* name = n.nameOf(n.value);
+    EXPECT_EQ(name == nullptr ? std::string("(none)") : std::string(name),
+              n.name == nullptr ? std::string("(none)") : std::string(n.name))
+        << n.value;
+  }
+}
+
+TEST(RenderTest, ListsAndBytes) {
+  const uint8_t bytes[] = {1, 2, 255};
+  const char* names[] = {"a", "b"};
+  char first[] = "x";
+  char* mutableNames[] = {first, nullptr};
+  const VXT_NodeType nodeTypes[] = {VXT_NodeType_TargetDomain, static_cast<VXT_NodeType>(99)};
+  const VXT_BitData records[] = {{VXT_BITDATA_SIZE, 8, 1}, {VXT_BITDATA_SIZE, 64, 2}};
+  const char buffers[2][4] = {{'a', 'b', 'c', 'd'}, {'e', '\0', 'x', 'x'}};
+  const int32_t signedValues[] = {-1, 2};
+  ExpectAll({
+      {"bytes", Line(Bytes(bytes, 3u)), "{0x01, 0x02, 0xff}"},
+      {"one byte", Line(Bytes(bytes, 1u)), "{0x01}"},
+      {"bytes through a void pointer", Line(Bytes(static_cast<const void*>(bytes), 2)), "{0x01, 0x02}"},
+      {"bytes, zero count", Line(Bytes(bytes, 0u)), "<EMPTY>"},
+      {"bytes, null array", Line(Bytes(static_cast<const uint8_t*>(nullptr), 3u)), "<NULL>"},
+      {"bytes, null array and zero count", Line(Bytes(static_cast<const uint8_t*>(nullptr), 0u)), "<NULL>"},
+      {"negative count", Line(List<Dec>(signedValues, -2)), "<EMPTY>"},
+      {"quoted texts", Line(List<Quoted>(names, 2u)), "{'a', 'b'}"},
+      {"quoted texts through char**", Line(List<Quoted>(mutableNames, 2u)), "{'x', <NULL>}"},
+      {"fixed-size buffers keep to their size", Line(List<Quoted>(buffers, 2u)), "{'abcd', 'e'}"},
+      {"enumeration names", Line(List<Enum<NodeTypeName>>(nodeTypes, 2u)), "{TargetDomain, <UNKNOWN>}"},
+      {"records through their address", Line(List<BitDataText>(records, 2u)),
+       "{{bitSize = 8 dataHandle = 0x0000000000000001}, {bitSize = 64 dataHandle = 0x0000000000000002}}"},
+      {"signed values in hex8", Line(List<Hex8>(signedValues, 2u)), "{0xffffffff, 0x00000002}"},
+      {"null count pointer", Line(List<Quoted>(names, static_cast<const uint32_t*>(nullptr))), "<EMPTY>"},
+      {"null array wins over a null count", Line(List<Quoted>(static_cast<const char**>(nullptr),
+                                                              static_cast<const uint32_t*>(nullptr))),
+       "<NULL>"},
+  });
+}
+
+TEST(RenderTest, ListReadsItsCountWhenRendered) {
+  const uint8_t bytes[] = {7, 8, 9};
+  uint32_t count = 0;
+  const auto list = Bytes(bytes, &count);
+  EXPECT_EQ(Line(list), "<EMPTY>");
+  count = 2;
+  EXPECT_EQ(Line(list), "{0x07, 0x08}");
+}
+
+TEST(RenderTest, OutArguments) {
+  uint32_t count = 3;
+  uint64_t handle = 0xabc;
+  int32_t signedValue = -4;
+  const char* text = "abc";
+  VXT_RunStatus status = VXT_RunStatus_Halted;
+  ExpectAll({
+      {"dec", Line(Out<Dec>(&count)), "3"},
+      {"null dec", Line(Out<Dec>(static_cast<const uint32_t*>(nullptr))), "<NULL>"},
+      {"hex16", Line(Out<Hex16>(&handle)), "0x0000000000000abc"},
+      {"null hex16", Line(Out<Hex16>(static_cast<uint64_t*>(nullptr))), "<NULL>"},
+      {"signed dec", Line(Out<Dec>(&signedValue)), "-4"},
+      {"quoted", Line(Out<Quoted>(&text)), "'abc'"},
+      {"enumeration", Line(Out<Enum<RunStatusName>>(&status)), "Halted"},
+      {"null enumeration", Line(Out<Enum<RunStatusName>>(static_cast<VXT_RunStatus*>(nullptr))), "<NULL>"},
+  });
+}
+
+TEST(RenderTest, OutArgumentReadsItsValueWhenRendered) {
+  uint32_t count = 1;
+  const auto out = Out<Dec>(&count);
+  count = 42;
+  EXPECT_EQ(Line(out), "42");
+}
+
+TEST(RenderTest, Records) {
+  const VXT_BitData bitData{VXT_BITDATA_SIZE, 12, 0x5};
+  const VXT_Address address{VXT_ADDRESS_SIZE, 0x10, 0xffff, 0x1000, VXT_AddressType_TwoFieldLogical};
+  const VXT_Address unknownType{VXT_ADDRESS_SIZE, 0, 0, 0, static_cast<VXT_AddressType>(8)};
+  ExpectAll({
+      {"bitdata", Line(BitDataText{&bitData}), "{bitSize = 12 dataHandle = 0x0000000000000005}"},
+      {"null bitdata", Line(BitDataText{nullptr}), "<NULL>"},
+      {"address", Line(AddressText{&address}),
+       "{ldtsel = 0x0010 segsel = 0xffff offset = 0x0000000000001000 addressType = TwoFieldLogical}"},
+      {"address of an unknown type", Line(AddressText{&unknownType}),
+       "{ldtsel = 0x0000 segsel = 0x0000 offset = 0x0000000000000000 addressType = <UNKNOWN>}"},
+      {"null address", Line(AddressText{nullptr}), "<NULL>"},
+  });
+}
+
+TEST(TraceArgsTest, ArgumentLists) {
+  const uint8_t assembled[] = {0x90};
+  uint32_t numBytesAssembled = 1;
+  const char* nullText = nullptr;
+  ExpectAll({
+      {"no argument", Line("(", TraceArgs(), ")"), "()"},
+      {"one argument", Line(TraceArgs("serviceId", Dec{7u})), "serviceId = 7"},
+      {"in line", Line("In  InProc_AsmDasm::Assemble(",
+                       TraceArgs("deviceId", Hex8{1u}, "instructionType", Enum<InstructionTypeName>{VXT_InstructionType_32Bit},
+                                 "instruction", Quoted{"nop"}, "instructionAddressOffset", Hex16{uint64_t{0x1000}},
+                                 "maxBufferSize", Dec{16u}),
+                       ")"),
+       "In  InProc_AsmDasm::Assemble(deviceId = 0x00000001 instructionType = 32Bit instruction = 'nop' "
+       "instructionAddressOffset = 0x0000000000001000 maxBufferSize = 16)"},
+      {"out line", Line("Out InProc_AsmDasm::Assemble(",
+                        TraceArgs("instruction", Quoted{"nop"}, "outputBuffer", Bytes(assembled, &numBytesAssembled),
+                                  "numBytesAssembled", Out<Dec>(&numBytesAssembled)),
+                        ") ErrorCode = ", Hex8{0u}),
+       "Out InProc_AsmDasm::Assemble(instruction = 'nop' outputBuffer = {0x90} numBytesAssembled = 1) "
+       "ErrorCode = 0x00000000"},
+      {"omitted password", Line(TraceArgs("user", Quoted{"me"}, "password", Omitted{})),
+       "user = 'me' password = <OMITTED>"},
+      {"plain text, null", Line(TraceArgs("note", nullText)), "note = <NULL>"},
+      {"plain text", Line(TraceArgs("note", "fixed")), "note = fixed"},
+  });
+}
+
+// The list keeps copies of its helpers, so it may outlive the expression
+// that built it, and renders what the pointers show when it is written.
+TEST(TraceArgsTest, ArgumentsAreRenderedWhenTheLineIsWritten) {
+  uint32_t count = 0;
+  std::string key = "first";
+  const auto args = TraceArgs("key", Quoted{key.c_str()}, "count", Out<Dec>(&count));
+  count = 9;
+  EXPECT_EQ(Line(args), "key = 'first' count = 9");
+}
+
+}  // namespace
+}  // namespace vxt::frame
