@@ -1,0 +1,53 @@
+// The Logging library's entry points for trace and usage lines.
+#include <string_view>
+
+#include "Logging.h"
+#include "Logging/LogLevels.h"
+#include "Logging/LogSink.h"
+#include "Logging/LoggingSetup.h"
+#include "Logging/Nesting.h"
+#include "Logging/TraceCapture.h"
+
+using namespace voxtrel::platform::logging;
+
+namespace {
+
+std::string_view TextOrEmpty(const char* text) { return text != nullptr ? std::string_view(text) : std::string_view(); }
+
+}  // namespace
+
+Voxtrel_LoggerHandle Voxtrel_LoggingGetLogger(uint32_t stream) {
+  EnsureLoggingSetUp();
+  return &LoggerOf(stream);
+}
+
+bool Voxtrel_LoggingIsLogEnabled(Voxtrel_LoggerHandle logger, uint32_t level) {
+  return LoggerOf(logger).Writes(level);
+}
+
+bool Voxtrel_LoggingIsLoggingSuppressed() { return IsSuppressed(); }
+
+void Voxtrel_LoggingLog(Voxtrel_LoggerHandle logger, uint32_t level, const char* text, int32_t nesting) {
+  EnsureLoggingSetUp();
+  // The depth moves even for a line that is not written, so that opening and
+  // closing lines stay paired when levels change in between.
+  const int depth = DepthForLine(nesting);
+  const StreamLogger& streamLogger = LoggerOf(logger);
+  if (!streamLogger.Writes(level) || IsSuppressed()) return;
+  const std::string_view line = TextOrEmpty(text);
+  TraceCapture::Instance().AddTrace(streamLogger.stream, level, line, nesting);
+  LogSink::Instance().WriteTrace(streamLogger.stream, level, line, depth);
+}
+
+bool Voxtrel_LoggingIsLoggingUsage() {
+  EnsureLoggingSetUp();
+  return IsUsageOn();
+}
+
+// Usage lines do not depend on levels or suppression, only on the usage switch.
+void Voxtrel_LoggingLogUsage(const char* streamName, const char* event, const char* text) {
+  EnsureLoggingSetUp();
+  if (!IsUsageOn()) return;
+  TraceCapture::Instance().AddUsage(TextOrEmpty(streamName), TextOrEmpty(event), TextOrEmpty(text));
+  LogSink::Instance().WriteUsage(TextOrEmpty(streamName), TextOrEmpty(event), TextOrEmpty(text));
+}

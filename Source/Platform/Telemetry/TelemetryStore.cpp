@@ -1,0 +1,85 @@
+#include "Telemetry/TelemetryStore.h"
+
+namespace voxtrel::platform::telemetry {
+namespace {
+
+template <class T>
+void PushBounded(std::deque<T>& records, T record) {
+  if (records.size() == kRecordLimit) records.pop_front();
+  records.push_back(std::move(record));
+}
+
+}  // namespace
+
+TelemetryStore& TelemetryStore::Instance() {
+  static TelemetryStore& store = *new TelemetryStore;
+  return store;
+}
+
+void TelemetryStore::RecordCall(std::string function, std::vector<std::string> args) {
+  std::lock_guard lock(mutex_);
+  PushBounded(calls_, testing::TelemetryCall{std::move(function), std::move(args)});
+}
+
+void TelemetryStore::BeginSession(const std::string& session, const std::string& key, const std::string& value) {
+  std::lock_guard lock(mutex_);
+  sessions_[session] = {key, value};
+}
+
+void TelemetryStore::EndSession(const std::string& session) {
+  std::lock_guard lock(mutex_);
+  sessions_.erase(session);
+}
+
+void TelemetryStore::AddField(const std::string& event, const std::string& key, const std::string& value) {
+  std::lock_guard lock(mutex_);
+  pendingFields_[event].emplace_back(key, value);
+}
+
+TelemetryStore::Sent TelemetryStore::Send(const std::string& session, const std::string& event) {
+  std::lock_guard lock(mutex_);
+  Sent sent{{session, event, {}}, std::nullopt};
+  if (auto fields = pendingFields_.extract(event)) sent.event.fields = std::move(fields.mapped());
+  if (auto found = sessions_.find(session); found != sessions_.end()) sent.sessionKey = found->second;
+  PushBounded(sent_, sent.event);
+  return sent;
+}
+
+void TelemetryStore::Count(const std::string& session, const std::string& event, const std::string& key,
+                           const std::string& value) {
+  std::lock_guard lock(mutex_);
+  ++counters_[{session, event, key, value}];
+}
+
+std::vector<testing::TelemetryCall> TelemetryStore::Calls() {
+  std::lock_guard lock(mutex_);
+  return {calls_.begin(), calls_.end()};
+}
+
+void TelemetryStore::ClearCalls() {
+  std::lock_guard lock(mutex_);
+  calls_.clear();
+}
+
+std::vector<testing::TelemetryEvent> TelemetryStore::SentEvents() {
+  std::lock_guard lock(mutex_);
+  return {sent_.begin(), sent_.end()};
+}
+
+uint64_t TelemetryStore::Counter(const std::string& session, const std::string& event, const std::string& key,
+                                 const std::string& value) {
+  std::lock_guard lock(mutex_);
+  const auto found = counters_.find({session, event, key, value});
+  return found != counters_.end() ? found->second : 0;
+}
+
+void TelemetryStore::Reset() {
+  std::lock_guard lock(mutex_);
+  sessions_.clear();
+  pendingFields_.clear();
+  counters_.clear();
+  calls_.clear();
+  sent_.clear();
+}
+
+}  // namespace voxtrel::platform::telemetry

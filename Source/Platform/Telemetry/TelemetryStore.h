@@ -1,0 +1,66 @@
+// What the Telemetry library holds: open sessions, fields being built for
+// events, counters, and, for test control, the calls and the sent events.
+//
+// Everything is behind one mutex; telemetry is sent at connection changes
+// and counted once per counted operation, never on a hot path of its own.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "PlatformTestControl.h"
+
+namespace voxtrel::platform::telemetry {
+
+// Calls and sent events are kept up to this many, the oldest dropped first.
+inline constexpr size_t kRecordLimit = 10000;
+
+class TelemetryStore {
+ public:
+  using Fields = std::vector<std::pair<std::string, std::string>>;
+
+  static TelemetryStore& Instance();
+
+  void RecordCall(std::string function, std::vector<std::string> args);
+
+  void BeginSession(const std::string& session, const std::string& key, const std::string& value);
+  void EndSession(const std::string& session);
+  void AddField(const std::string& event, const std::string& key, const std::string& value);
+  // Takes the fields built for `event` and records the sent event. Gives the
+  // event and the session's identifying pair, if the session was begun.
+  struct Sent {
+    testing::TelemetryEvent event;
+    std::optional<std::pair<std::string, std::string>> sessionKey;
+  };
+  Sent Send(const std::string& session, const std::string& event);
+  void Count(const std::string& session, const std::string& event, const std::string& key,
+             const std::string& value);
+
+  std::vector<testing::TelemetryCall> Calls();
+  void ClearCalls();
+  std::vector<testing::TelemetryEvent> SentEvents();
+  uint64_t Counter(const std::string& session, const std::string& event, const std::string& key,
+                   const std::string& value);
+
+  // Back to a fresh process: no sessions, fields, counters, calls or events.
+  void Reset();
+
+ private:
+  using CounterKey = std::tuple<std::string, std::string, std::string, std::string>;
+
+  std::mutex mutex_;
+  std::map<std::string, std::pair<std::string, std::string>> sessions_;
+  std::map<std::string, Fields> pendingFields_;
+  std::map<CounterKey, uint64_t> counters_;
+  std::deque<testing::TelemetryCall> calls_;
+  std::deque<testing::TelemetryEvent> sent_;
+};
+
+}  // namespace voxtrel::platform::telemetry
