@@ -104,18 +104,18 @@ class Call {
   }
 
   // Runs `core` unless a check failed; its result is the call's code.
-  template <class Core>
-  uint32_t Core(Core&& core) {
-    if (!failed()) Settle(std::forward<Core>(core)());
+  template <class CoreFn>
+  uint32_t Core(CoreFn&& core) {
+    if (!failed()) Settle(std::forward<CoreFn>(core)());
     return code_;
   }
 
   // Runs `core` on a component table. A table that is not bound yet fails
   // the call with "Error no connection to component" instead of crashing.
-  template <class Table, class Core>
-  uint32_t Core(const Table* table, Core&& core) {
+  template <class Table, class CoreFn>
+  uint32_t Core(const Table* table, CoreFn&& core) {
     if (!failed() && table == nullptr) Fail(code::kException, prefix(), " Error no connection to component");
-    if (!failed()) Settle(std::forward<Core>(core)(*table));
+    if (!failed()) Settle(std::forward<CoreFn>(core)(*table));
     return code_;
   }
 
