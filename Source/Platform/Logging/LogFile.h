@@ -1,8 +1,8 @@
 // Operations on the log file, for the Common component's log operations.
 //
-// With no log file (VXT_LOG_FILE unset) each succeeds and does nothing. They
-// return an internal code: 0, or 0x20004 with a posted message when the file
-// system refuses.
+// With no log file (VXT_LOG_FILE unset; lines go to standard error) each
+// succeeds and changes nothing. They return an internal code: 0, or 0x20004
+// with a posted message when the file system refuses.
 #pragma once
 
 #include <cstdint>

@@ -5,6 +5,8 @@
 #include <system_error>
 
 #include <spdlog/details/log_msg.h>
+#include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/sinks/stdout_sinks.h>
 
 #include "Error.h"
 #include "Logging.h"
@@ -69,25 +71,30 @@ void LogSink::Open(const std::optional<std::string>& path, bool rawFormat) {
   sink_.reset();
   path_ = path.value_or("");
   rawFormat_ = rawFormat;
-  hasPath_.store(!path_.empty(), std::memory_order_relaxed);
-  if (!path_.empty()) Reopen(false);
+  if (!path_.empty()) {
+    Reopen(false);
+    return;
+  }
+  sink_ = std::make_unique<spdlog::sinks::stderr_sink_st>();
+  SetFormat();
 }
+
+void LogSink::SetFormat() { sink_->set_pattern(rawFormat_ ? kRawPattern : kDecoratedPattern); }
 
 uint32_t LogSink::Reopen(bool truncate) {
   sink_.reset();
   try {
-    sink_ = std::make_unique<Sink>(path_, truncate);
-    sink_->set_pattern(rawFormat_ ? kRawPattern : kDecoratedPattern);
+    sink_ = std::make_unique<spdlog::sinks::basic_file_sink_st>(path_, truncate);
+    SetFormat();
     return 0;
   } catch (const std::exception& error) {
     return PostFailure("Cannot open the log file '" + path_ + "': " + error.what());
   }
 }
 
-void LogSink::Write(std::string_view name, int spdlogLevel, std::string_view text, int depth) {
-  if (!hasPath_.load(std::memory_order_relaxed)) return;
+void LogSink::Write(std::string_view name, int spdlogLevel, std::string_view text, int depth, bool captured) {
   std::lock_guard lock(mutex_);
-  if (!sink_) return;
+  if (!sink_ || (captured && path_.empty())) return;
   try {
     const auto level = static_cast<spdlog::level::level_enum>(spdlogLevel);
     if (rawFormat_ || depth <= 0) {
@@ -102,15 +109,14 @@ void LogSink::Write(std::string_view name, int spdlogLevel, std::string_view tex
   }
 }
 
-void LogSink::WriteTrace(uint32_t stream, uint32_t level, std::string_view text, int depth) {
-  Write(Voxtrel_LoggingGetStreamName(stream), SpdlogLevel(level), text, depth);
+void LogSink::WriteTrace(uint32_t stream, uint32_t level, std::string_view text, int depth, bool captured) {
+  Write(Voxtrel_LoggingGetStreamName(stream), SpdlogLevel(level), text, depth, captured);
 }
 
-void LogSink::WriteUsage(std::string_view stream, std::string_view event, std::string_view text) {
-  if (!hasPath_.load(std::memory_order_relaxed)) return;
+void LogSink::WriteUsage(std::string_view stream, std::string_view event, std::string_view text, bool captured) {
   std::string line = "USAGE ";
   line.append(stream).append(" ").append(event).append(" ").append(text);
-  Write(stream, spdlog::level::info, line, 0);
+  Write(stream, spdlog::level::info, line, 0, captured);
 }
 
 uint32_t LogSink::Flush() {

@@ -1,7 +1,9 @@
-// The file that trace and usage lines are written to, through a spdlog sink.
+// Where trace and usage lines are written, through a spdlog sink: the log
+// file, or standard error when there is none. While a trace capture runs,
+// lines meant for standard error are kept in the capture only, so tests stay
+// quiet; a log file is written as always.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -9,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-#include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/sinks/sink.h>
 
 namespace voxtrel::platform::logging {
 
@@ -18,32 +20,29 @@ class LogSink {
   static LogSink& Instance();
 
   // Closes the current file, if any, and appends to `path` from now on.
-  // No path: lines are written nowhere.
+  // No path: lines go to standard error.
   void Open(const std::optional<std::string>& path, bool rawFormat);
 
   // `depth` is the nesting depth of the writing thread; the decorated format
   // indents the text by two blanks per level, the raw format writes the text
-  // alone.
-  void WriteTrace(uint32_t stream, uint32_t level, std::string_view text, int depth);
-  void WriteUsage(std::string_view stream, std::string_view event, std::string_view text);
+  // alone. `captured`: the line is in a trace capture.
+  void WriteTrace(uint32_t stream, uint32_t level, std::string_view text, int depth, bool captured);
+  void WriteUsage(std::string_view stream, std::string_view event, std::string_view text, bool captured);
 
   uint32_t Flush();
   uint32_t Clear();
   uint32_t Archive();
 
  private:
-  using Sink = spdlog::sinks::basic_file_sink_st;
-
-  void Write(std::string_view name, int spdlogLevel, std::string_view text, int depth);
+  void Write(std::string_view name, int spdlogLevel, std::string_view text, int depth, bool captured);
   // Opens path_ afresh; posts and returns a code on failure. Mutex held.
   uint32_t Reopen(bool truncate);
+  void SetFormat();
 
   std::mutex mutex_;
-  // Lets a line skip the mutex when there is no file.
-  std::atomic<bool> hasPath_{false};
-  std::string path_;
+  std::string path_;  // Empty: standard error
   bool rawFormat_ = false;
-  std::unique_ptr<Sink> sink_;
+  std::unique_ptr<spdlog::sinks::sink> sink_;
 };
 
 }  // namespace voxtrel::platform::logging

@@ -35,8 +35,8 @@ void Voxtrel_LoggingLog(Voxtrel_LoggerHandle logger, uint32_t level, const char*
   const StreamLogger& streamLogger = LoggerOf(logger);
   if (!streamLogger.Writes(level) || IsSuppressed()) return;
   const std::string_view line = TextOrEmpty(text);
-  TraceCapture::Instance().AddTrace(streamLogger.stream, level, line, nesting);
-  LogSink::Instance().WriteTrace(streamLogger.stream, level, line, depth);
+  const bool captured = TraceCapture::Instance().AddTrace(streamLogger.stream, level, line, nesting);
+  LogSink::Instance().WriteTrace(streamLogger.stream, level, line, depth, captured);
 }
 
 bool Voxtrel_LoggingIsLoggingUsage() {
@@ -48,6 +48,7 @@ bool Voxtrel_LoggingIsLoggingUsage() {
 void Voxtrel_LoggingLogUsage(const char* streamName, const char* event, const char* text) {
   EnsureLoggingSetUp();
   if (!IsUsageOn()) return;
-  TraceCapture::Instance().AddUsage(TextOrEmpty(streamName), TextOrEmpty(event), TextOrEmpty(text));
-  LogSink::Instance().WriteUsage(TextOrEmpty(streamName), TextOrEmpty(event), TextOrEmpty(text));
+  const std::string_view stream = TextOrEmpty(streamName);
+  const bool captured = TraceCapture::Instance().AddUsage(stream, TextOrEmpty(event), TextOrEmpty(text));
+  LogSink::Instance().WriteUsage(stream, TextOrEmpty(event), TextOrEmpty(text), captured);
 }

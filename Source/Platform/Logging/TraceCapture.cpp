@@ -22,16 +22,18 @@ void TraceCapture::Clear() {
   usage_.clear();
 }
 
-void TraceCapture::AddTrace(uint32_t stream, uint32_t level, std::string_view text, int32_t nesting) {
-  if (!capturing_.load(std::memory_order_relaxed)) return;
+bool TraceCapture::AddTrace(uint32_t stream, uint32_t level, std::string_view text, int32_t nesting) {
+  if (!capturing_.load(std::memory_order_relaxed)) return false;
   std::lock_guard lock(mutex_);
   trace_.push_back({stream, level, std::string(text), nesting});
+  return true;
 }
 
-void TraceCapture::AddUsage(std::string_view stream, std::string_view event, std::string_view text) {
-  if (!capturing_.load(std::memory_order_relaxed)) return;
+bool TraceCapture::AddUsage(std::string_view stream, std::string_view event, std::string_view text) {
+  if (!capturing_.load(std::memory_order_relaxed)) return false;
   std::lock_guard lock(mutex_);
   usage_.push_back({std::string(stream), std::string(event), std::string(text)});
+  return true;
 }
 
 std::vector<testing::TraceLine> TraceCapture::Trace() {

@@ -21,8 +21,9 @@ class TraceCapture {
   void Stop();
   void Clear();
 
-  void AddTrace(uint32_t stream, uint32_t level, std::string_view text, int32_t nesting);
-  void AddUsage(std::string_view stream, std::string_view event, std::string_view text);
+  // Each gives whether the line was kept.
+  bool AddTrace(uint32_t stream, uint32_t level, std::string_view text, int32_t nesting);
+  bool AddUsage(std::string_view stream, std::string_view event, std::string_view text);
 
   std::vector<testing::TraceLine> Trace();
   std::vector<testing::UsageLine> Usage();
