@@ -26,7 +26,7 @@ uint32_t Uninitialize() {
   return 0;
 }
 
-constexpr RunControlComponent kRunControl{&Initialize, &Uninitialize};
+constexpr RunControlComponent kRunControl{&Initialize, &Uninitialize, &IsEventDeliveryActive};
 
 }  // namespace
 

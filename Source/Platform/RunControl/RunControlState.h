@@ -10,4 +10,9 @@ namespace voxtrel::platform::run_control {
 
 VOXTREL_PLATFORM_API target::TopologyBinding& RunControlTopology();
 
+// RunControl.IsEventDeliveryActive: events are delivered while the component
+// is initialized, unless test control holds them back.
+uint32_t IsEventDeliveryActive(uint32_t* active);
+VOXTREL_PLATFORM_API void SetEventDeliveryHeld(bool held);
+
 }  // namespace voxtrel::platform::run_control

@@ -8,6 +8,7 @@
 #include "VXT_Configuration.h"
 #include "VXT_Enumerations.h"
 #include "VXT_ErrorCodes.h"
+#include "VXT_Events.h"
 #include "VXT_Exports.h"
 #include "VXT_Records.h"
 #include "VXT_ServiceIds.h"
