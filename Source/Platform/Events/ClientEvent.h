@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "PlatformApi.h"
 #include "VXT_Client.h"
 
 namespace voxtrel::platform::events {
@@ -14,9 +15,9 @@ inline constexpr char kClientDisconnected[] = "Disconnected";
 
 // The event's data: the record as given, with structureSize telling the
 // full size that every subscriber may read.
-VXT_Client ClientEventData(const VXT_Client& client);
+VOXTREL_PLATFORM_API VXT_Client ClientEventData(const VXT_Client& client);
 
 // Publishes through the EventBroker; its code.
-uint32_t PublishClientEvent(const char* eventName, const VXT_Client& client);
+VOXTREL_PLATFORM_API uint32_t PublishClientEvent(const char* eventName, const VXT_Client& client);
 
 }  // namespace voxtrel::platform::events

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "PlatformApi.h"
+
 namespace voxtrel::platform::events {
 
 inline constexpr char kMessageEventType[] = "Message";
@@ -14,9 +16,9 @@ struct MessageEventData {
 };
 static_assert(offsetof(MessageEventData, kind) == 0 && sizeof(MessageEventData) == 4);
 
-MessageEventData MakeMessageEventData(uint32_t kind);
+VOXTREL_PLATFORM_API MessageEventData MakeMessageEventData(uint32_t kind);
 
 // Publishes through the EventBroker; its code.
-uint32_t PublishMessageEvent(uint32_t kind, const char* text);
+VOXTREL_PLATFORM_API uint32_t PublishMessageEvent(uint32_t kind, const char* text);
 
 }  // namespace voxtrel::platform::events

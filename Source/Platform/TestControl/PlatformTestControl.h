@@ -119,6 +119,47 @@ VOXTREL_PLATFORM_API size_t BrokerSubscriberCount(const std::string& typeName);
 // thread acts for no client, if no client of that id is registered.
 VOXTREL_PLATFORM_API bool BindThreadToClient(int32_t clientId);
 
+// ---- Events of the components ------------------------------------------------
+
+// Makes the InterfacePort component report an event to the callback that
+// was set with SetEventCallback, on the calling thread: an error of a port,
+// a change of its state, or a record of any kind. The callback's code, or 0
+// when no callback is set.
+VOXTREL_PLATFORM_API uint32_t RaiseInterfacePortError(uint32_t interfacePortId, uint64_t errorValue);
+VOXTREL_PLATFORM_API uint32_t RaiseInterfacePortStateChange(uint32_t interfacePortId, uint32_t firstState,
+                                                           uint32_t secondState);
+VOXTREL_PLATFORM_API uint32_t RaiseInterfacePortEvent(uint32_t kind, uint32_t interfacePortId, uint64_t value);
+// While held, RunControl.IsEventDeliveryActive reports 0 even when the
+// component is initialized.
+VOXTREL_PLATFORM_API void HoldRunControlEvents(bool held);
+
+// ---- Operation receipts -------------------------------------------------------
+
+// A receipt's value: `bitSize` bits of `bytes`, bit 0 the low bit of byte 0;
+// missing bytes count as zeros.
+struct ReceiptBits {
+  std::vector<uint8_t> bytes;
+  uint64_t bitSize = 0;
+};
+// Receipts that have ended already.
+VOXTREL_PLATFORM_API uint64_t StartCompletedReceipt(const ReceiptBits& value);
+VOXTREL_PLATFORM_API uint64_t StartFailedReceipt(uint32_t code, const std::string& message);
+// A receipt whose work runs on a worker thread: "Active" from when a worker
+// takes it until `milliseconds` have passed, then "Completed" with `value`;
+// "Canceled" at once when a client cancels it meanwhile.
+VOXTREL_PLATFORM_API uint64_t StartDelayedReceipt(uint32_t milliseconds, const ReceiptBits& value);
+// A receipt that stays "Pending" until the test ends it; false when it has
+// ended already or is destroyed.
+VOXTREL_PLATFORM_API uint64_t StartHeldReceipt();
+VOXTREL_PLATFORM_API bool CompleteHeldReceipt(uint64_t token, const ReceiptBits& value);
+VOXTREL_PLATFORM_API bool FailHeldReceipt(uint64_t token, uint32_t code, const std::string& message);
+// A receipt whose work stays "Active" on a worker until OpenReceiptGate
+// lets it complete with `value`. With `honoursCancel` a cancel ends it
+// "Canceled" at once; without, the work runs on until the gate opens.
+VOXTREL_PLATFORM_API uint64_t StartGatedReceipt(bool honoursCancel = true);
+// False when the token is not a gated receipt's or its gate is open.
+VOXTREL_PLATFORM_API bool OpenReceiptGate(uint64_t token, const ReceiptBits& value);
+
 // ---- Whole platform ---------------------------------------------------------
 
 // Back to the state of a fresh process for everything above: no capture,

@@ -1,0 +1,243 @@
+// The Event service's subscriber lists: refusals, trace, counting, and how
+// a list changes.
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "EventTestSupport.h"
+
+namespace {
+
+namespace tc = voxtrel::testing;
+using vxt::test::Delivery;
+using vxt::test::Receive;
+using vxt::test::ReceiveUndefined;
+using Strings = std::vector<std::string>;
+
+constexpr VXT_Result kInvalidArgument = static_cast<VXT_Result>(0x80000001);
+
+void* Data(uintptr_t value) { return reinterpret_cast<void*>(value); }
+
+template <class Function>
+std::string AddressText(Function* function) {
+  char text[32];
+  std::snprintf(text, sizeof text, "0x%016llx",
+                static_cast<unsigned long long>(reinterpret_cast<uintptr_t>(function)));
+  return text;
+}
+
+// One operation of the service, called with a null callback.
+struct NullCall {
+  std::string operation;
+  bool isSubscribe;
+  std::function<VXT_Result(IInternalService_Event&)> call;
+};
+
+template <class Callback>
+NullCall SubscribeWithNull(const char* operation, VXT_Result (IInternalService_Event::*subscribe)(Callback, void*)) {
+  return {operation, true, [subscribe](IInternalService_Event& e) { return (e.*subscribe)(nullptr, Data(7)); }};
+}
+
+template <class Callback>
+NullCall UnsubscribeWithNull(const char* operation, VXT_Result (IInternalService_Event::*unsubscribe)(Callback)) {
+  return {operation, false, [unsubscribe](IInternalService_Event& e) { return (e.*unsubscribe)(nullptr); }};
+}
+
+std::vector<NullCall> EveryOperation() {
+  using E = IInternalService_Event;
+  return {
+      SubscribeWithNull("SubscribeTargetEvents", &E::SubscribeTargetEvents),
+      UnsubscribeWithNull("UnsubscribeTargetEvents", &E::UnsubscribeTargetEvents),
+      SubscribeWithNull("SubscribeMessageEvents", &E::SubscribeMessageEvents),
+      UnsubscribeWithNull("UnsubscribeMessageEvents", &E::UnsubscribeMessageEvents),
+      SubscribeWithNull("SubscribeRunControlEvents", &E::SubscribeRunControlEvents),
+      UnsubscribeWithNull("UnsubscribeRunControlEvents", &E::UnsubscribeRunControlEvents),
+      SubscribeWithNull("SubscribeBreakStateChangeEvents", &E::SubscribeBreakStateChangeEvents),
+      UnsubscribeWithNull("UnsubscribeBreakStateChangeEvents", &E::UnsubscribeBreakStateChangeEvents),
+      SubscribeWithNull("SubscribeReconfigurationEvents", &E::SubscribeReconfigurationEvents),
+      UnsubscribeWithNull("UnsubscribeReconfigurationEvents", &E::UnsubscribeReconfigurationEvents),
+      SubscribeWithNull("SubscribeInterfacePortErrorEvents", &E::SubscribeInterfacePortErrorEvents),
+      UnsubscribeWithNull("UnsubscribeInterfacePortErrorEvents", &E::UnsubscribeInterfacePortErrorEvents),
+      SubscribeWithNull("SubscribeInterfacePortStateChangeEvents", &E::SubscribeInterfacePortStateChangeEvents),
+      UnsubscribeWithNull("UnsubscribeInterfacePortStateChangeEvents", &E::UnsubscribeInterfacePortStateChangeEvents),
+      SubscribeWithNull("SubscribeInterfacePortServiceReconfigEvents", &E::SubscribeInterfacePortServiceReconfigEvents),
+      UnsubscribeWithNull("UnsubscribeInterfacePortServiceReconfigEvents",
+                          &E::UnsubscribeInterfacePortServiceReconfigEvents),
+      SubscribeWithNull("SubscribeNotificationEvents", &E::SubscribeNotificationEvents),
+      UnsubscribeWithNull("UnsubscribeNotificationEvents", &E::UnsubscribeNotificationEvents),
+      SubscribeWithNull("SubscribeSystemStallEvents", &E::SubscribeSystemStallEvents),
+      UnsubscribeWithNull("UnsubscribeSystemStallEvents", &E::UnsubscribeSystemStallEvents),
+      SubscribeWithNull("SubscribeStatePortEvents", &E::SubscribeStatePortEvents),
+      UnsubscribeWithNull("UnsubscribeStatePortEvents", &E::UnsubscribeStatePortEvents),
+  };
+}
+
+class EventSubscriptionTest : public vxt::test::EventTest {
+ protected:
+  // Fires one message event straight at the message list.
+  void FireMessage() {
+    const VXT_MessageEvent message{VXT_MESSAGE_EVENT_SIZE, 2, "m"};
+    events->GetFireEvent()->FireMessageEvent(&message);
+  }
+  // Who received the message events, with which userData.
+  static std::vector<std::pair<int, void*>> Receivers() {
+    std::vector<std::pair<int, void*>> receivers;
+    for (const Delivery& delivery : TakeDeliveries()) receivers.emplace_back(delivery.subscriber, delivery.userData);
+    return receivers;
+  }
+};
+
+TEST_F(EventSubscriptionTest, ServiceSixIsTheEventService) {
+  void* service = nullptr;
+  ASSERT_EQ(GetService(nullptr, VXT_Service_Event, &service), 0);
+  ASSERT_NE(service, nullptr);
+  EXPECT_NE(static_cast<IInternalService_Event*>(service)->GetFireEvent(), nullptr);
+  EXPECT_STREQ(static_cast<IInternalService_Event*>(service)->GetEmptyText(), "");
+}
+
+TEST_F(EventSubscriptionTest, NullCallbacksAreRefusedByEveryOperation) {
+  for (const NullCall& refused : EveryOperation()) {
+    SCOPED_TRACE(refused.operation);
+    ClearTrace();
+    const std::string message = "InProc_Event::" + refused.operation + "() argument error (callback) : Null pointer";
+    EXPECT_EQ(refused.call(*events), kInvalidArgument);
+    EXPECT_EQ(GetLastErrorMessage(), message);
+
+    const Strings trace = Trace();
+    ASSERT_GE(trace.size(), 3u);
+    EXPECT_EQ(trace.front(), "In  InProc_Event::" + refused.operation + "(callback = <NULL>" +
+                                 (refused.isSubscribe ? " userData = 0x0000000000000007" : "") + ") [ClientID: 3]");
+    EXPECT_EQ(trace[1], "VXT Error = '" + message + "' [ClientID: 3]");
+    EXPECT_EQ(trace.back(), "Out InProc_Event::" + refused.operation + "() ErrorCode = 0x80000001 [ClientID: 3]");
+    // Subscribing counts, also when refused; unsubscribing never does.
+    EXPECT_EQ(tc::TelemetryCounter("Server_Lifespan", "VXT_Call", "Method", "Event::" + refused.operation),
+              refused.isSubscribe ? 1u : 0u);
+  }
+  // Nothing was added anywhere.
+  const VXT_MessageEvent message{VXT_MESSAGE_EVENT_SIZE, 1, "m"};
+  events->GetFireEvent()->FireMessageEvent(&message);
+  EXPECT_TRUE(TakeDeliveries().empty());
+}
+
+TEST_F(EventSubscriptionTest, SubscriptionsAreTracedWithTheCallbackAddress) {
+  const auto callback = &Receive<0, VXT_RunControlEvent>;
+  EXPECT_EQ(events->SubscribeRunControlEvents(callback, Data(0x2a)), 0);
+  EXPECT_EQ(events->UnsubscribeRunControlEvents(callback), 0);
+  EXPECT_EQ(Trace(), (Strings{
+                         "In  InProc_Event::SubscribeRunControlEvents(callback = " + AddressText(callback) +
+                             " userData = 0x000000000000002a) [ClientID: 3]",
+                         "Out InProc_Event::SubscribeRunControlEvents() ErrorCode = 0x00000000 [ClientID: 3]",
+                         "In  InProc_Event::UnsubscribeRunControlEvents(callback = " + AddressText(callback) +
+                             ") [ClientID: 3]",
+                         "Out InProc_Event::UnsubscribeRunControlEvents() ErrorCode = 0x00000000 [ClientID: 3]",
+                     }));
+}
+
+TEST_F(EventSubscriptionTest, SubscribingTwiceKeepsTheFirstUserData) {
+  EXPECT_EQ(events->SubscribeMessageEvents(&Receive<0, VXT_MessageEvent>, Data(1)), 0);
+  EXPECT_EQ(events->SubscribeMessageEvents(&Receive<0, VXT_MessageEvent>, Data(2)), 0);
+  FireMessage();
+  EXPECT_EQ(Receivers(), (std::vector<std::pair<int, void*>>{{0, Data(1)}}));
+
+  // One entry, so one Unsubscribe empties the list.
+  EXPECT_EQ(events->UnsubscribeMessageEvents(&Receive<0, VXT_MessageEvent>), 0);
+  FireMessage();
+  EXPECT_TRUE(Receivers().empty());
+}
+
+TEST_F(EventSubscriptionTest, UnsubscribingKeepsTheOthersInTheirOrder) {
+  EXPECT_EQ(events->SubscribeMessageEvents(&Receive<0, VXT_MessageEvent>, Data(10)), 0);
+  EXPECT_EQ(events->SubscribeMessageEvents(&Receive<1, VXT_MessageEvent>, nullptr), 0);
+  EXPECT_EQ(events->SubscribeMessageEvents(&Receive<2, VXT_MessageEvent>, Data(12)), 0);
+
+  EXPECT_EQ(events->UnsubscribeMessageEvents(&Receive<1, VXT_MessageEvent>), 0);
+  EXPECT_EQ(events->UnsubscribeMessageEvents(&Receive<3, VXT_MessageEvent>), 0);  // Never subscribed
+  FireMessage();
+  EXPECT_EQ(Receivers(), (std::vector<std::pair<int, void*>>{{0, Data(10)}, {2, Data(12)}}));
+
+  // A callback subscribed again goes to the end.
+  EXPECT_EQ(events->SubscribeMessageEvents(&Receive<1, VXT_MessageEvent>, Data(11)), 0);
+  EXPECT_EQ(events->UnsubscribeMessageEvents(&Receive<0, VXT_MessageEvent>), 0);
+  FireMessage();
+  EXPECT_EQ(Receivers(), (std::vector<std::pair<int, void*>>{{2, Data(12)}, {1, Data(11)}}));
+}
+
+TEST_F(EventSubscriptionTest, OneCallbackInTwoListsIsTwoSubscriptions) {
+  IInternal_FireEvent& fire = *events->GetFireEvent();
+  const int record = 0;
+  EXPECT_EQ(events->SubscribeBreakStateChangeEvents(&ReceiveUndefined<0>, Data(1)), 0);
+  EXPECT_EQ(events->SubscribeInterfacePortServiceReconfigEvents(&ReceiveUndefined<0>, Data(2)), 0);
+  fire.FireBreakStateChangeEvent(&record);
+  fire.FireInterfacePortServiceReconfigEvent(&record);
+  EXPECT_EQ(Receivers(), (std::vector<std::pair<int, void*>>{{0, Data(1)}, {0, Data(2)}}));
+
+  EXPECT_EQ(events->UnsubscribeBreakStateChangeEvents(&ReceiveUndefined<0>), 0);
+  fire.FireBreakStateChangeEvent(&record);
+  fire.FireInterfacePortServiceReconfigEvent(&record);
+  EXPECT_EQ(Receivers(), (std::vector<std::pair<int, void*>>{{0, Data(2)}}));
+}
+
+// Each Fire operation reaches its own list and no other; a null record
+// reaches nobody.
+TEST_F(EventSubscriptionTest, EachFireReachesItsOwnList) {
+  SubscribeEverywhere<0>(Data(5));
+  const VXT_TargetEvent target{VXT_TARGET_EVENT_SIZE, 1, "On", 4, nullptr, 0, nullptr};
+  const VXT_MessageEvent message{VXT_MESSAGE_EVENT_SIZE, 2, "hello"};
+  VXT_RunControlEvent runControl{};
+  runControl.structureSize = VXT_RUN_CONTROL_EVENT_SIZE;
+  runControl.eventType = VXT_RunControlEvent_Halt;
+  const VXT_ReconfigurationEvent reconfiguration{VXT_RECONFIGURATION_EVENT_SIZE, 2, 1};
+  const VXT_InterfacePortErrorEvent portError{VXT_INTERFACE_PORT_ERROR_EVENT_SIZE, 1, 3, 99};
+  const VXT_InterfacePortStateChangeEvent portState{VXT_INTERFACE_PORT_STATE_CHANGE_EVENT_SIZE, 2, 3, 4, 5};
+  VXT_NotificationEvent notification{};
+  notification.structureSize = VXT_NOTIFICATION_EVENT_SIZE;
+  notification.eventType = VXT_NotificationEvent_Connected;
+  notification.client.clientId = 8;
+  const VXT_SystemStallEvent stall{VXT_SYSTEM_STALL_EVENT_SIZE, 1, "s", 6};
+  const VXT_StatePortEvent statePort{VXT_STATE_PORT_EVENT_SIZE, 1, 2, "p", 3, 4, 5};
+  const int undefined = 0;
+
+  IInternal_FireEvent& fire = *events->GetFireEvent();
+  struct Case {
+    std::function<void()> fire;
+    std::function<void()> fireNull;
+    std::string received;
+  };
+  const Case cases[] = {
+      {[&] { fire.FireTargetEvent(&target); }, [&] { fire.FireTargetEvent(nullptr); },
+       "Target size=48 type=1 state='On' device=4 feature=null/0 domain=null"},
+      {[&] { fire.FireMessageEvent(&message); }, [&] { fire.FireMessageEvent(nullptr); },
+       "Message size=16 type=2 message='hello'"},
+      {[&] { fire.FireRunControlEvent(&runControl); }, [&] { fire.FireRunControlEvent(nullptr); },
+       "RunControl size=72 type=33 device=0 address=0 breakpoint=0 name=null breakType=null subType=null "
+       "details=null extra=0/0"},
+      {[&] { fire.FireBreakStateChangeEvent(&undefined); }, [&] { fire.FireBreakStateChangeEvent(nullptr); },
+       "undefined"},
+      {[&] { fire.FireReconfigurationEvent(&reconfiguration); }, [&] { fire.FireReconfigurationEvent(nullptr); },
+       "Reconfiguration size=12 type=2 changed=1"},
+      {[&] { fire.FireInterfacePortErrorEvent(&portError); }, [&] { fire.FireInterfacePortErrorEvent(nullptr); },
+       "PortError size=24 type=1 port=3 error=99"},
+      {[&] { fire.FireInterfacePortStateChangeEvent(&portState); },
+       [&] { fire.FireInterfacePortStateChangeEvent(nullptr); }, "PortState size=20 type=2 port=3 states=4/5"},
+      {[&] { fire.FireInterfacePortServiceReconfigEvent(&undefined); },
+       [&] { fire.FireInterfacePortServiceReconfigEvent(nullptr); }, "undefined"},
+      {[&] { fire.FireNotificationEvent(&notification); }, [&] { fire.FireNotificationEvent(nullptr); },
+       "Notification size=1304 type=1 client=8 ''"},
+      {[&] { fire.FireSystemStallEvent(&stall); }, [&] { fire.FireSystemStallEvent(nullptr); },
+       "SystemStall size=24 type=1 name='s' value=6"},
+      {[&] { fire.FireStatePortEvent(&statePort); }, [&] { fire.FireStatePortEvent(nullptr); },
+       "StatePort size=48 type=1 device=2 port='p' value=3 first=4 second=5"},
+  };
+  for (const Case& event : cases) {
+    SCOPED_TRACE(event.received);
+    event.fireNull();
+    EXPECT_TRUE(TakeDeliveries().empty());
+    event.fire();
+    EXPECT_EQ(TakeDescriptions(), Strings{event.received});
+  }
+}
+
+}  // namespace
