@@ -1,4 +1,7 @@
 // The service interfaces that GetService hands out.
 #pragma once
 
+#include "IInternalService_Event.h"
+#include "IInternalService_BitData.h"
+#include "IInternalService_BitDataOperations.h"
 #include "IInternalService_General.h"

@@ -1,4 +1,5 @@
 // The first client's and the last client's work, and the state they share.
+#include <utility>
 #include <string>
 
 #include "BindTable.h"
@@ -6,6 +7,7 @@
 #include "DataStore.h"
 #include "EventBroker.h"
 #include "InProc_BitData.h"
+#include "InProc_Event.h"
 #include "InProc_General.h"
 #include "InProc_RunControl.h"
 #include "RunControl.h"
@@ -54,6 +56,8 @@ uint32_t DoFirstClientWork() {
 
   DataStore::Get().SetNotificationCallback(
       [](const std::string& text) { Voxtrel_PublishMessageEvent(1, text.c_str()); });
+  InProc_Event::Instance().Initialize();
+  InProc_BitData::Instance().SubscribeCloseCallback();
   return 0;
 }
 
@@ -62,10 +66,10 @@ namespace {
 // Stops what the first client and FinishInitialization started, from the
 // event service to the state port component. Stops at the first failure.
 uint32_t StopServices() {
-  uint32_t code = 0;
+  uint32_t code = InProc_Event::Instance().Uninitialize();
 
   InProc_General& general = InProc_General::Instance();
-  if (general.closeCallbackSubscribed) {
+  if (code == 0 && general.closeCallbackSubscribed) {
     InProc_General::_ClearRegions();
     if (general.eventBroker != nullptr)
       code = general.eventBroker->Unsubscribe("Client", &InProc_General::_ClientCloseCallback, nullptr);
@@ -83,6 +87,9 @@ uint32_t StopServices() {
     code = Voxtrel_GetStatePort(&statePort);
     if (code == 0 && statePort != nullptr) code = statePort->Uninitialize();
   }
+
+  // The broker keeps the callback no longer; its result does not matter.
+  if (code == 0) InProc_BitData::Instance().UnsubscribeCloseCallback();
   return code;
 }
 

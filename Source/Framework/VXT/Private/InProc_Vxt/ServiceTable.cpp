@@ -1,5 +1,8 @@
 #include "ServiceTable.h"
 
+#include "InProc_Event.h"
+#include "InProc_BitData.h"
+#include "InProc_BitDataOperations.h"
 #include "InProc_General.h"
 #include "VXT_ServiceIds.h"
 
@@ -7,6 +10,12 @@ namespace vxt {
 
 void* FindService(uint32_t serviceId) {
   switch (serviceId) {
+    case VXT_Service_BitData:
+      return static_cast<IInternalService_BitData*>(&InProc_BitData::Instance());
+    case VXT_Service_BitDataOperations:
+      return static_cast<IInternalService_BitDataOperations*>(&InProc_BitDataOperations::Instance());
+    case VXT_Service_Event:
+      return static_cast<IInternalService_Event*>(&InProc_Event::Instance());
     case VXT_Service_General:
       return static_cast<IInternalService_General*>(&InProc_General::Instance());
     default:
