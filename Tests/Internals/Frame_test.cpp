@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "Common.h"
+#include "VXT_ErrorCodes.h"
 #include "PlatformTestControl.h"
 #include "VxtTestSupport.h"
 #include "frame/Frame.h"

@@ -1,0 +1,59 @@
+// The vxt client run as a user runs it: its output and exit status.
+#include <sys/wait.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <string>
+
+namespace {
+
+struct VxtRun {
+  int exitStatus = -1;
+  std::string output;  // stdout and stderr, interleaved
+};
+
+VxtRun RunVxt(const std::string& arguments) {
+  const std::string command = std::string("env -u VXT_LOG_FILE -u VXT_LOG_LEVEL ") + VXT_CLI_PATH + " " + arguments +
+                              " 2>&1";
+  VxtRun run;
+  FILE* pipe = popen(command.c_str(), "r");
+  if (pipe == nullptr) return run;
+  std::array<char, 512> chunk;
+  size_t read = 0;
+  while ((read = fread(chunk.data(), 1, chunk.size(), pipe)) > 0) run.output.append(chunk.data(), read);
+  const int status = pclose(pipe);
+  run.exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return run;
+}
+
+TEST(VxtClient, ConfigsListsDefaultFirstThenTheDirectory) {
+  const VxtRun run = RunVxt("configs");
+  EXPECT_EQ(run.exitStatus, 0);
+  EXPECT_EQ(run.output, "Default\nHostWithBmc\nTwoSocketServer\n");
+}
+
+TEST(VxtClient, InfoShowsTheLibraryAndThisClient) {
+  const VxtRun run = RunVxt("info");
+  EXPECT_EQ(run.exitStatus, 0) << run.output;
+  EXPECT_NE(run.output.find("Library:          InProc_Vxt 1.2011.4508 (classification 100)\n"), std::string::npos)
+      << run.output;
+  EXPECT_NE(run.output.find("Connected clients: 1\n"), std::string::npos) << run.output;
+  EXPECT_NE(run.output.find("(this)\n"), std::string::npos) << run.output;
+}
+
+TEST(VxtClient, UnknownConfigurationFailsWithTheLibrarysMessage) {
+  const VxtRun run = RunVxt("--config NoSuchBoard info");
+  EXPECT_EQ(run.exitStatus, 1);
+  EXPECT_EQ(run.output.rfind("vxt: SelectConfigurationByName failed with 0x", 0), 0u) << run.output;
+  EXPECT_NE(run.output.find("NoSuchBoard"), std::string::npos) << run.output;
+}
+
+TEST(VxtClient, UnknownCommandIsRefusedWithUsage) {
+  const VxtRun run = RunVxt("frobnicate");
+  EXPECT_NE(run.exitStatus, 0);
+  EXPECT_NE(run.output.find("frobnicate"), std::string::npos) << run.output;
+}
+
+}  // namespace
