@@ -1,11 +1,14 @@
 // vxt: a command-line client of the InProc_Vxt library on the simulated
-// target.
+// target. Every command registers itself from its own source file.
 #include <iostream>
+#include <list>
+#include <utility>
+#include <vector>
 #include <string>
 
 #include <CLI/CLI.hpp>
 
-#include "Commands.h"
+#include "CommandRegistry.h"
 #include "Session.h"
 
 int main(int argc, char** argv) {
@@ -19,18 +22,23 @@ int main(int argc, char** argv) {
   app.add_flag("-t,--trace", trace, "Show the library's trace (loads the \"Trace\" logging preset)");
   app.add_option("-p,--preset", options.loggingPreset, "Load this logging preset after connecting");
 
-  CLI::App* configs = app.add_subcommand("configs", "List the available target configurations");
-  CLI::App* info = app.add_subcommand("info", "Connect and show what the library and the target say about themselves");
+  // One argument set per command; a list keeps their addresses stable.
+  std::list<vxt::cli::CommandArguments> arguments;
+  std::vector<std::pair<CLI::App*, const vxt::cli::Command*>> subcommands;
+  for (const vxt::cli::Command& command : vxt::cli::RegisteredCommands()) {
+    CLI::App* subcommand = app.add_subcommand(command.name, command.help);
+    command.configure(*subcommand, arguments.emplace_back());
+    subcommands.emplace_back(subcommand, &command);
+  }
 
   CLI11_PARSE(app, argc, argv);
   if (trace) options.loggingPreset = "Trace";
 
   try {
-    if (configs->parsed()) {
-      vxt::cli::ListConfigurations(std::cout);
-    } else if (info->parsed()) {
-      vxt::cli::Session session(options);
-      vxt::cli::ShowInfo(session, std::cout);
+    auto argumentsOfCommand = arguments.begin();
+    for (const auto& [subcommand, command] : subcommands) {
+      if (subcommand->parsed()) return command->run(*argumentsOfCommand, options, std::cout);
+      ++argumentsOfCommand;
     }
   } catch (const vxt::cli::CallFailed& failure) {
     std::cerr << "vxt: " << failure.what() << '\n';

@@ -1,7 +1,9 @@
-#include "Commands.h"
-
+// vxt info: what the library and the target say about themselves.
+#include <ostream>
 #include <string>
 #include <vector>
+
+#include "CommandRegistry.h"
 
 namespace vxt::cli {
 namespace {
@@ -14,16 +16,6 @@ std::vector<std::string> LoggingPresets(IInternalService_General& general) {
   for (auto& buffer : buffers) names.push_back(buffer.data());
   Check(general.GetLoggingPresetNames(count, names.data()), "GetLoggingPresetNames");
   return {names.begin(), names.end()};
-}
-
-}  // namespace
-
-void ListConfigurations(std::ostream& out) {
-  uint32_t count = 0;
-  Check(GetAvailableConfigurationCount(&count), "GetAvailableConfigurationCount");
-  std::vector<VXT_ConfigurationName> names(count);
-  if (count > 0) Check(GetAvailableConfigurations(count, names.data()), "GetAvailableConfigurations");
-  for (const VXT_ConfigurationName& name : names) out << name.name << '\n';
 }
 
 void ShowInfo(Session& session, std::ostream& out) {
@@ -59,4 +51,13 @@ void ShowInfo(Session& session, std::ostream& out) {
   }
 }
 
+const bool registered = RegisterCommand({"info", "Connect and show what the library and the target say about themselves",
+                                         [](CLI::App&, CommandArguments&) {},
+                                         [](const CommandArguments&, const SessionOptions& options, std::ostream& out) {
+                                           Session session(options);
+                                           ShowInfo(session, out);
+                                           return 0;
+                                         }});
+
+}  // namespace
 }  // namespace vxt::cli
