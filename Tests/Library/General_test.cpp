@@ -194,6 +194,7 @@ TEST_F(GeneralTest, ConnectedClientsFillRecordsOfEitherSize) {
   EXPECT_EQ(second->isLocal, 1);
 
   VXT_Client bad[2]{};
+  bad[0].structureSize = VXT_CLIENT_SIZE;  // So that the second record starts at bad[1]
   bad[1].structureSize = 5;
   EXPECT_EQ(general->GetConnectedClients(2, &count, bad), static_cast<VXT_Result>(0x80000010));
   EXPECT_STREQ(GetLastErrorMessage(), "InProc_General::GetConnectedClients(): connectedClients[1] structureSize is: 5");

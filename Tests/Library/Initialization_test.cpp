@@ -178,9 +178,20 @@ TEST_F(InitializationTest, FailingStepStopsTheSequenceAndARetryFinishesIt) {
     tc::StartRecordingCalls();
     EXPECT_EQ(FinishInitialization(), 0) << step;
     EXPECT_LE(tc::BrokerSubscriberCount("Client"), clientSubscribers + 1) << step;
-    EXPECT_EQ(tc::CallCount("RunControl.Initialize"), std::string(step) == "RunControl.Initialize" ? 1u : 0u) << step;
+    // The RunControl component starts once: at the first topology event the
+    // TargetManager sends when it finishes, or at its own step.
+    const bool startsOnRetry = std::string(step) == "Voxtrel_GetTargetManager" ||
+                               std::string(step) == "TargetManager.FinishInitialization" ||
+                               std::string(step) == "RunControl.Initialize";
+    EXPECT_EQ(tc::CallCount("RunControl.Initialize"), startsOnRetry ? 1u : 0u) << step;
     tc::SetLogLevel(1);
-    ASSERT_EQ(Disconnect(1), 0) << step;
+    // Without Common the general service never subscribed its close
+    // callback, so the last client's unsubscription of it fails.
+    const bool commonMissing = std::string(step) == "Voxtrel_GetCommon";
+    ASSERT_EQ(Disconnect(1), commonMissing ? static_cast<VXT_Result>(0x80000002) : 0) << step;
+    if (commonMissing) {
+      EXPECT_STREQ(GetLastErrorMessage(), "EventBroker.Unsubscribe found no subscription to 'Client'");
+    }
   }
 }
 
@@ -193,7 +204,7 @@ TEST_F(InitializationTest, GeneralCloseCallbackIsSubscribedOnceAcrossRetries) {
   EXPECT_EQ(FinishInitialization(), 0);
   EXPECT_EQ(tc::BrokerSubscriberCount("Client"), before + 1);
   Disconnect(1);
-  EXPECT_EQ(tc::BrokerSubscriberCount("Client"), before);
+  EXPECT_EQ(tc::BrokerSubscriberCount("Client"), 0u);  // The last client leaves no subscriber behind
 }
 
 TEST_F(InitializationTest, FinishInitializationLinesOpenAndCloseANestedStretch) {

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstring>
 #include <functional>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
@@ -62,6 +63,9 @@ struct ClientEvent {
 };
 
 void RecordClientEvent(void* userData, const char* eventName, const void* eventData) {
+  // Clients on several threads publish at once.
+  static std::mutex recording;
+  const std::lock_guard lock(recording);
   const auto* first = static_cast<const uint8_t*>(eventData);
   static_cast<std::vector<ClientEvent>*>(userData)->push_back(
       {eventName, first ? Bytes(first, first + sizeof(VXT_Client)) : Bytes{}});

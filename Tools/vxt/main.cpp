@@ -13,7 +13,7 @@
 
 int main(int argc, char** argv) {
   CLI::App app{"vxt: hardware debug from the command line, through InProc_Vxt"};
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);
 
   vxt::cli::SessionOptions options;
   bool trace = false;
@@ -31,6 +31,9 @@ int main(int argc, char** argv) {
     subcommands.emplace_back(subcommand, &command);
   }
 
+  // Set after the commands are added, which would inherit it: a command's
+  // own stray arguments stay errors; an unknown command is reported below.
+  app.allow_extras();
   CLI11_PARSE(app, argc, argv);
   if (trace) options.loggingPreset = "Trace";
 
@@ -40,9 +43,13 @@ int main(int argc, char** argv) {
       if (subcommand->parsed()) return command->run(*argumentsOfCommand, options, std::cout);
       ++argumentsOfCommand;
     }
+    const std::vector<std::string> unknown = app.remaining();
+    if (!unknown.empty())
+      std::cerr << "vxt: unknown command or argument '" << unknown.front() << "'\n";
+    std::cerr << app.help();
+    return 2;
   } catch (const vxt::cli::CallFailed& failure) {
     std::cerr << "vxt: " << failure.what() << '\n';
     return 1;
   }
-  return 0;
 }
