@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <string>
 
+#include <unistd.h>
+
 #include "Common.h"
 #include "InProc_Vxt.h"
 #include "PlatformTestControl.h"
