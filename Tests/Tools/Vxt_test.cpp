@@ -56,4 +56,16 @@ TEST(VxtClient, UnknownCommandIsRefusedWithUsage) {
   EXPECT_NE(run.output.find("frobnicate"), std::string::npos) << run.output;
 }
 
+TEST(VxtClient, PresetFromTheCommandLineIsLoadedOrRefused) {
+  const VxtRun loaded = RunVxt("--preset Errors info");
+  EXPECT_EQ(loaded.exitStatus, 0) << loaded.output;
+  EXPECT_NE(loaded.output.find("Logging presets:  Default Trace InterfaceTrace Errors* Off  (* loaded)\n"),
+            std::string::npos)
+      << loaded.output;
+
+  const VxtRun refused = RunVxt("--preset Loud info");
+  EXPECT_EQ(refused.exitStatus, 1);
+  EXPECT_EQ(refused.output.rfind("vxt: LoadLoggingPreset failed with 0x", 0), 0u) << refused.output;
+}
+
 }  // namespace
