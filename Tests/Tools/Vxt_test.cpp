@@ -68,4 +68,16 @@ TEST(VxtClient, PresetFromTheCommandLineIsLoadedOrRefused) {
   EXPECT_EQ(refused.output.rfind("vxt: LoadLoggingPreset failed with 0x", 0), 0u) << refused.output;
 }
 
+TEST(VxtClient, TraceShowsEveryCallOnStandardError) {
+  const VxtRun quiet = RunVxt("info");
+  EXPECT_EQ(quiet.output.find("In  InProc_General::"), std::string::npos) << quiet.output;
+
+  const VxtRun traced = RunVxt("--trace info");
+  EXPECT_EQ(traced.exitStatus, 0) << traced.output;
+  EXPECT_NE(traced.output.find("] In  InProc_General::GetImplementationVersion() [ClientID: "), std::string::npos)
+      << traced.output;
+  EXPECT_NE(traced.output.find("] Out InProc_Vxt::Disconnect() ErrorCode = 0x00000000\n"), std::string::npos)
+      << traced.output;
+}
+
 }  // namespace
