@@ -43,6 +43,7 @@ struct VXT_TargetEvent {
 };
 
 static_assert(sizeof(VXT_TargetEvent) == VXT_TARGET_EVENT_SIZE);
+static_assert(offsetof(VXT_TargetEvent, eventType) == 4);
 static_assert(offsetof(VXT_TargetEvent, currentState) == 8);
 static_assert(offsetof(VXT_TargetEvent, deviceId) == 16);
 static_assert(offsetof(VXT_TargetEvent, featureText) == 24);
@@ -60,6 +61,7 @@ struct VXT_MessageEvent {
 };
 
 static_assert(sizeof(VXT_MessageEvent) == VXT_MESSAGE_EVENT_SIZE);
+static_assert(offsetof(VXT_MessageEvent, messageType) == 4);
 static_assert(offsetof(VXT_MessageEvent, message) == 8);
 
 // ---- Run control ----------------------------------------------------------
@@ -90,10 +92,13 @@ struct VXT_RunControlEvent {
 };
 
 static_assert(sizeof(VXT_RunControlEvent) == VXT_RUN_CONTROL_EVENT_SIZE);
+static_assert(offsetof(VXT_RunControlEvent, deviceId) == 4);
 static_assert(offsetof(VXT_RunControlEvent, address) == 8);
 static_assert(offsetof(VXT_RunControlEvent, eventType) == 16);
 static_assert(offsetof(VXT_RunControlEvent, breakpointId) == 20);
 static_assert(offsetof(VXT_RunControlEvent, breakName) == 24);
+static_assert(offsetof(VXT_RunControlEvent, breakType) == 32);
+static_assert(offsetof(VXT_RunControlEvent, breakSubType) == 40);
 static_assert(offsetof(VXT_RunControlEvent, details) == 48);
 static_assert(offsetof(VXT_RunControlEvent, extraValue) == 56);
 static_assert(offsetof(VXT_RunControlEvent, extraCount) == 64);
@@ -113,6 +118,8 @@ struct VXT_ReconfigurationEvent {
 };
 
 static_assert(sizeof(VXT_ReconfigurationEvent) == VXT_RECONFIGURATION_EVENT_SIZE);
+static_assert(offsetof(VXT_ReconfigurationEvent, eventType) == 4);
+static_assert(offsetof(VXT_ReconfigurationEvent, devicesHaveChanged) == 8);
 
 // ---- Interface ports ------------------------------------------------------
 
@@ -129,6 +136,7 @@ struct VXT_InterfacePortErrorEvent {
 };
 
 static_assert(sizeof(VXT_InterfacePortErrorEvent) == VXT_INTERFACE_PORT_ERROR_EVENT_SIZE);
+static_assert(offsetof(VXT_InterfacePortErrorEvent, eventType) == 4);
 static_assert(offsetof(VXT_InterfacePortErrorEvent, interfacePortId) == 8);
 static_assert(offsetof(VXT_InterfacePortErrorEvent, errorValue) == 16);
 
@@ -141,6 +149,10 @@ struct VXT_InterfacePortStateChangeEvent {
 };
 
 static_assert(sizeof(VXT_InterfacePortStateChangeEvent) == VXT_INTERFACE_PORT_STATE_CHANGE_EVENT_SIZE);
+static_assert(offsetof(VXT_InterfacePortStateChangeEvent, eventType) == 4);
+static_assert(offsetof(VXT_InterfacePortStateChangeEvent, interfacePortId) == 8);
+static_assert(offsetof(VXT_InterfacePortStateChangeEvent, firstStateValue) == 12);
+static_assert(offsetof(VXT_InterfacePortStateChangeEvent, secondStateValue) == 16);
 
 // ---- Clients arriving and leaving -----------------------------------------
 
@@ -156,6 +168,7 @@ struct VXT_NotificationEvent {
 };
 
 static_assert(sizeof(VXT_NotificationEvent) == VXT_NOTIFICATION_EVENT_SIZE);
+static_assert(offsetof(VXT_NotificationEvent, eventType) == 4);
 static_assert(offsetof(VXT_NotificationEvent, client) == 8);
 
 // ---- System stalls --------------------------------------------------------
@@ -173,6 +186,7 @@ struct VXT_SystemStallEvent {
 };
 
 static_assert(sizeof(VXT_SystemStallEvent) == VXT_SYSTEM_STALL_EVENT_SIZE);
+static_assert(offsetof(VXT_SystemStallEvent, eventType) == 4);
 static_assert(offsetof(VXT_SystemStallEvent, stallName) == 8);
 static_assert(offsetof(VXT_SystemStallEvent, stallValue) == 16);
 
@@ -193,6 +207,8 @@ struct VXT_StatePortEvent {
 };
 
 static_assert(sizeof(VXT_StatePortEvent) == VXT_STATE_PORT_EVENT_SIZE);
+static_assert(offsetof(VXT_StatePortEvent, eventType) == 4);
+static_assert(offsetof(VXT_StatePortEvent, deviceId) == 8);
 static_assert(offsetof(VXT_StatePortEvent, statePortName) == 16);
 static_assert(offsetof(VXT_StatePortEvent, portValue) == 24);
 static_assert(offsetof(VXT_StatePortEvent, firstValue) == 32);

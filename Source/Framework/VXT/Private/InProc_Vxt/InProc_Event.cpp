@@ -2,11 +2,17 @@
 // an event to one list.
 #include "InProc_Event.h"
 
+#include <atomic>
+
 #include "frame/CallbackAddress.h"
 #include "frame/Frame.h"
 
 namespace vxt {
 namespace {
+
+// Constant-initialized, so it is null before the instance is built and
+// again after it is destroyed.
+std::atomic<InProc_Event*> liveInstance{nullptr};
 
 InProc_Event instance;
 
@@ -43,7 +49,16 @@ VXT_Result Unsubscribe(const ServiceLogger& logger, const OperationSite& site, S
 
 }  // namespace
 
+InProc_Event::InProc_Event() { liveInstance.store(this, std::memory_order_release); }
+
+InProc_Event::~InProc_Event() { liveInstance.store(nullptr, std::memory_order_release); }
+
 InProc_Event& InProc_Event::Instance() { return instance; }
+
+IInternal_FireEvent* InProc_Event::Delivery() {
+  InProc_Event* live = liveInstance.load(std::memory_order_acquire);
+  return live == nullptr ? nullptr : live->GetFireEvent();
+}
 
 IInternal_FireEvent* InProc_Event::GetFireEvent() { return this; }
 

@@ -36,7 +36,14 @@ class InProc_Event : public SingletonService<InProc_Event>,
                      public IInternalService_Event,
                      public IInternal_FireEvent {
  public:
+  InProc_Event();
+  ~InProc_Event() override;
+
   static InProc_Event& Instance();
+
+  // The instance's delivery, for the handlers; null once the instance is
+  // destroyed at unload, when a component may still raise an event.
+  static IInternal_FireEvent* Delivery();
 
   // Start and stop of reception, at the first client's arrival and the last
   // client's departure: subscribe and unsubscribe the broker handlers. A

@@ -58,28 +58,30 @@ constexpr size_t kFirstValue = 72;
 constexpr size_t kSecondValue = 80;
 }  // namespace layout
 
-// The handlers write with the service's logger: every logger of the library
-// is the same handle of stream 1.
-const ServiceLogger& Logger() { return InProc_Event::Instance().logger; }
-
-IInternal_FireEvent& Fire() { return InProc_Event::Instance(); }
+// Fires `record` through the instance's delivery, if the instance is still
+// there: at unload a component may raise an event after it is gone.
+template <class Record>
+void Fire(void (IInternal_FireEvent::*fire)(const Record*), const Record& record) {
+  if (IInternal_FireEvent* delivery = InProc_Event::Delivery()) (delivery->*fire)(&record);
+}
 
 // A record whose data the broker must always send came without it.
-void LogMissingData(const char* handler) {
-  TraceLine(Logger(), 4, "InProc Event Service ", handler, ": eventData pointer was null");
+void LogMissingData(const ServiceLogger& logger, const char* handler) {
+  TraceLine(logger, 4, "InProc Event Service ", handler, ": eventData pointer was null");
 }
 
 // "TargetPower" and "TargetReset": the device id is all the data they carry.
-void DeliverTargetState(const char* handler, uint32_t eventType, const char* eventName, const void* eventData) {
+void DeliverTargetState(const ServiceLogger& logger, const char* handler, uint32_t eventType, const char* eventName,
+                        const void* eventData) {
   const EventData data(eventData);
   VXT_TargetEvent event{};
   event.structureSize = VXT_TARGET_EVENT_SIZE;
   event.eventType = eventType;
   event.currentState = eventName;
   event.deviceId = data.Read<uint32_t>(layout::kTargetDevice);
-  TraceLine(Logger(), 2, "InProc Event Service ", handler, " for device: ", Hex8{event.deviceId},
+  TraceLine(logger, 2, "InProc Event Service ", handler, " for device: ", Hex8{event.deviceId},
             ", currentState: ", Quoted{event.currentState});
-  Fire().FireTargetEvent(&event);
+  Fire(&IInternal_FireEvent::FireTargetEvent, event);
 }
 
 uint32_t RunControlEventType(const char* eventName) {
@@ -109,8 +111,9 @@ bool IsRunControlDeliveryActive() {
 }  // namespace
 
 void TargetPowerDomainEventHandler(void*, const char* eventName, const void* eventData) {
+  const ServiceLogger logger;
   const EventData data(eventData);
-  if (!data.present()) return LogMissingData("TargetPowerDomainEventHandler");
+  if (!data.present()) return LogMissingData(logger, "TargetPowerDomainEventHandler");
   const FieldText<layout::kNameSize> powerDomain(data.TextAt(layout::kPowerDomainName));
   VXT_TargetEvent event{};
   event.structureSize = VXT_TARGET_EVENT_SIZE;
@@ -118,24 +121,27 @@ void TargetPowerDomainEventHandler(void*, const char* eventName, const void* eve
   event.currentState = eventName;
   event.powerDomain = powerDomain.get();
   event.deviceId = data.Read<uint32_t>(layout::kPowerDomainDevice);
-  TraceLine(Logger(), 2, "InProc Event Service TargetPowerDomainEventHandler for device: ", Hex8{event.deviceId},
+  TraceLine(logger, 2, "InProc Event Service TargetPowerDomainEventHandler for device: ", Hex8{event.deviceId},
             ", powerDomain: ", Quoted{event.powerDomain}, ", currentState: ", Quoted{event.currentState});
-  Fire().FireTargetEvent(&event);
+  Fire(&IInternal_FireEvent::FireTargetEvent, event);
 }
 
 void TargetPowerEventHandler(void*, const char* eventName, const void* eventData) {
-  DeliverTargetState("TargetPowerEventHandler", VXT_TargetEvent_Power, eventName, eventData);
+  const ServiceLogger logger;
+  DeliverTargetState(logger, "TargetPowerEventHandler", VXT_TargetEvent_Power, eventName, eventData);
 }
 
 void TargetResetEventHandler(void*, const char* eventName, const void* eventData) {
+  const ServiceLogger logger;
   // A hint that a break is coming, not a reset of the target.
   if (IsNamed(eventName, "BreakHint")) return;
-  DeliverTargetState("TargetResetEventHandler", VXT_TargetEvent_Reset, eventName, eventData);
+  DeliverTargetState(logger, "TargetResetEventHandler", VXT_TargetEvent_Reset, eventName, eventData);
 }
 
 void TargetFeatureEventHandler(void*, const char* eventName, const void* eventData) {
+  const ServiceLogger logger;
   const EventData data(eventData);
-  if (!data.present()) return LogMissingData("TargetFeatureEventHandler");
+  if (!data.present()) return LogMissingData(logger, "TargetFeatureEventHandler");
   const FieldText<layout::kNameSize> feature(data.TextAt(layout::kFeatureName));
   VXT_TargetEvent event{};
   event.structureSize = VXT_TARGET_EVENT_SIZE;
@@ -145,19 +151,20 @@ void TargetFeatureEventHandler(void*, const char* eventName, const void* eventDa
   } else if (IsNamed(feature.get(), "Trace")) {
     event.eventType = VXT_TargetEvent_TraceFeature;
   } else {
-    TraceLine(Logger(), 4, "InProc Event Service TargetFeatureEventHandler for device: ", Hex8{event.deviceId},
+    TraceLine(logger, 4, "InProc Event Service TargetFeatureEventHandler for device: ", Hex8{event.deviceId},
               ", unknown feature: ", Quoted{feature.get()});
     return;
   }
   event.currentState = eventName;
   event.featureText = data.TextAt(layout::kFeatureText);
   event.featureTextCount = 1;
-  TraceLine(Logger(), 2, "InProc Event Service TargetFeatureEventHandler for device: ", Hex8{event.deviceId},
+  TraceLine(logger, 2, "InProc Event Service TargetFeatureEventHandler for device: ", Hex8{event.deviceId},
             ", feature: ", Quoted{feature.get()}, ", currentState: ", Quoted{event.currentState});
-  Fire().FireTargetEvent(&event);
+  Fire(&IInternal_FireEvent::FireTargetEvent, event);
 }
 
 void ReconfigurationEventHandler(void*, const char* eventName, const void* eventData) {
+  const ServiceLogger logger;
   const EventData data(eventData);
   VXT_ReconfigurationEvent event{};
   event.structureSize = VXT_RECONFIGURATION_EVENT_SIZE;
@@ -168,15 +175,16 @@ void ReconfigurationEventHandler(void*, const char* eventName, const void* event
     event.eventType = VXT_ReconfigurationEvent_Completed;
   } else {
     // Still delivered, as type 0: the subscriber learns that something changed.
-    TraceLine(Logger(), 3, "Unsupported type of reconfiguration event: ", Quoted{eventName});
+    TraceLine(logger, 3, "Unsupported type of reconfiguration event: ", Quoted{eventName});
     event.eventType = VXT_ReconfigurationEvent_Unknown;
   }
-  TraceLine(Logger(), 2, "InProc Event Service ReconfigurationEventHandler with devicesHaveChanged: ",
+  TraceLine(logger, 2, "InProc Event Service ReconfigurationEventHandler with devicesHaveChanged: ",
             Bool{event.devicesHaveChanged});
-  Fire().FireReconfigurationEvent(&event);
+  Fire(&IInternal_FireEvent::FireReconfigurationEvent, event);
 }
 
 void MessageEventHandler(void*, const char* eventName, const void* eventData) {
+  const ServiceLogger logger;
   const EventData data(eventData);
   VXT_MessageEvent event{};
   event.structureSize = VXT_MESSAGE_EVENT_SIZE;
@@ -187,15 +195,16 @@ void MessageEventHandler(void*, const char* eventName, const void* eventData) {
   } else if (kind == 1) {
     event.messageType = 2;
   } else {
-    TraceLine(Logger(), 3, "Unsupported type of message event: ", Dec{kind});
+    TraceLine(logger, 3, "Unsupported type of message event: ", Dec{kind});
     event.messageType = 0;
   }
-  TraceLine(Logger(), 2, "InProc Event Service MessageEventHandler with messageType: ", Dec{event.messageType},
+  TraceLine(logger, 2, "InProc Event Service MessageEventHandler with messageType: ", Dec{event.messageType},
             ", message: ", Quoted{event.message});
-  Fire().FireMessageEvent(&event);
+  Fire(&IInternal_FireEvent::FireMessageEvent, event);
 }
 
 void RunControlEventHandler(void*, const char* eventName, const void* eventData) {
+  const ServiceLogger logger;
   if (!IsRunControlDeliveryActive()) return;
   const EventData data(eventData);
   const FieldText<layout::kNameSize> breakName(data.TextAt(layout::kBreakName));
@@ -215,16 +224,17 @@ void RunControlEventHandler(void*, const char* eventName, const void* eventData)
   event.extraCount = data.Read<uint32_t>(layout::kExtraCount);
   event.eventType = RunControlEventType(eventName);
   if (event.eventType == VXT_RunControlEvent_Unknown)
-    TraceLine(Logger(), 3, "Unsupported type of run control event: ", Quoted{eventName});
-  TraceLine(Logger(), 2, "InProc Event Service RunControlEventHandler for device ", Hex8{event.deviceId},
+    TraceLine(logger, 3, "Unsupported type of run control event: ", Quoted{eventName});
+  TraceLine(logger, 2, "InProc Event Service RunControlEventHandler for device ", Hex8{event.deviceId},
             ", address: ", Hex16{event.address}, ", eventType: ", Dec{event.eventType},
             ", breakpointId = ", Dec{event.breakpointId}, ", breakName = ", Quoted{event.breakName},
             ", breakType = ", Quoted{event.breakType}, ", breakSubType = ", Quoted{event.breakSubType},
             ", details = ", Quoted{event.details});
-  Fire().FireRunControlEvent(&event);
+  Fire(&IInternal_FireEvent::FireRunControlEvent, event);
 }
 
 void ClientEventHandler(void*, const char* eventName, const void* eventData) {
+  const ServiceLogger logger;
   VXT_NotificationEvent event{};
   event.structureSize = VXT_NOTIFICATION_EVENT_SIZE;
   if (IsNamed(eventName, "Connected")) {
@@ -232,7 +242,7 @@ void ClientEventHandler(void*, const char* eventName, const void* eventData) {
   } else if (IsNamed(eventName, "Disconnected")) {
     event.eventType = VXT_NotificationEvent_Disconnected;
   } else {
-    TraceLine(Logger(), 3, "Unsupported type of client event: ", Quoted{eventName});
+    TraceLine(logger, 3, "Unsupported type of client event: ", Quoted{eventName});
     return;
   }
   if (eventData != nullptr) {
@@ -241,12 +251,13 @@ void ClientEventHandler(void*, const char* eventName, const void* eventData) {
     event.client.identifier[sizeof event.client.identifier - 1] = '\0';
     event.client.startTime[sizeof event.client.startTime - 1] = '\0';
   }
-  TraceLine(Logger(), 2, "InProc Event Service ClientEventHandler with eventType: ", eventName, ", client name: ",
+  TraceLine(logger, 2, "InProc Event Service ClientEventHandler with eventType: ", eventName, ", client name: ",
             Quoted{event.client.identifier});
-  Fire().FireNotificationEvent(&event);
+  Fire(&IInternal_FireEvent::FireNotificationEvent, event);
 }
 
 void SystemStallEventHandler(void*, const char* eventName, const void* eventData) {
+  const ServiceLogger logger;
   VXT_SystemStallEvent event{};
   event.structureSize = VXT_SYSTEM_STALL_EVENT_SIZE;
   if (IsNamed(eventName, "Hit")) {
@@ -254,28 +265,29 @@ void SystemStallEventHandler(void*, const char* eventName, const void* eventData
   } else if (IsNamed(eventName, "Released")) {
     event.eventType = VXT_SystemStallEvent_Released;
   } else {
-    TraceLine(Logger(), 3, "Unsupported type of system stall event: ", Quoted{eventName});
+    TraceLine(logger, 3, "Unsupported type of system stall event: ", Quoted{eventName});
     return;
   }
   const EventData data(eventData);
-  if (!data.present()) return LogMissingData("SystemStallEventHandler");
+  if (!data.present()) return LogMissingData(logger, "SystemStallEventHandler");
   // A stall the component could not identify carries nothing to report.
   if (data.Read<uint8_t>(layout::kStallValid) == 0) return;
   const FieldText<layout::kStallNameSize> stallName(data.TextAt(layout::kStallName));
   event.stallName = stallName.get();
   event.stallValue = data.Read<uint32_t>(layout::kStallValue);
-  TraceLine(Logger(), 2, "InProc Event Service SystemStallEventHandler with eventType: ", eventName,
+  TraceLine(logger, 2, "InProc Event Service SystemStallEventHandler with eventType: ", eventName,
             ", stall name: ", Quoted{event.stallName});
-  Fire().FireSystemStallEvent(&event);
+  Fire(&IInternal_FireEvent::FireSystemStallEvent, event);
 }
 
 void StatePortEventHandler(void*, const char* eventName, const void* eventData) {
+  const ServiceLogger logger;
   if (!IsNamed(eventName, "ValueChanged")) {
-    TraceLine(Logger(), 3, "Unsupported type of stateport event: ", Quoted{eventName});
+    TraceLine(logger, 3, "Unsupported type of stateport event: ", Quoted{eventName});
     return;
   }
   const EventData data(eventData);
-  if (!data.present()) return LogMissingData("StatePortEventHandler");
+  if (!data.present()) return LogMissingData(logger, "StatePortEventHandler");
   const FieldText<layout::kNameSize> portName(data.TextAt(layout::kStatePortName));
   VXT_StatePortEvent event{};
   event.structureSize = VXT_STATE_PORT_EVENT_SIZE;
@@ -285,9 +297,9 @@ void StatePortEventHandler(void*, const char* eventName, const void* eventData) 
   event.portValue = data.Read<uint32_t>(layout::kPortValue);
   event.firstValue = data.Read<uint64_t>(layout::kFirstValue);
   event.secondValue = data.Read<uint64_t>(layout::kSecondValue);
-  TraceLine(Logger(), 2, "InProc Event Service StatePortEventHandler with eventType: ", eventName,
+  TraceLine(logger, 2, "InProc Event Service StatePortEventHandler with eventType: ", eventName,
             ", stateport name: ", Quoted{event.statePortName});
-  Fire().FireStatePortEvent(&event);
+  Fire(&IInternal_FireEvent::FireStatePortEvent, event);
 }
 
 }  // namespace vxt

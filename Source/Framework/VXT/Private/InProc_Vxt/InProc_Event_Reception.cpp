@@ -103,6 +103,7 @@ uint32_t InterfacePortEventCallback(const void* record) {
 
   const events::EventData data(record);
   if (!data.present()) return code::kInvalidArgument;
+  IInternal_FireEvent* delivery = InProc_Event::Delivery();
   switch (data.Read<uint32_t>(kKind)) {
     case kError: {
       VXT_InterfacePortErrorEvent event{};
@@ -110,7 +111,7 @@ uint32_t InterfacePortEventCallback(const void* record) {
       event.eventType = VXT_InterfacePortEvent_Error;
       event.interfacePortId = data.Read<uint32_t>(kPortId);
       event.errorValue = data.Read<uint64_t>(kValues);
-      InProc_Event::Instance().FireInterfacePortErrorEvent(&event);
+      if (delivery != nullptr) delivery->FireInterfacePortErrorEvent(&event);
       return 0;
     }
     case kStateChange: {
@@ -120,7 +121,7 @@ uint32_t InterfacePortEventCallback(const void* record) {
       event.interfacePortId = data.Read<uint32_t>(kPortId);
       event.firstStateValue = data.Read<uint32_t>(kValues);
       event.secondStateValue = data.Read<uint32_t>(kSecondValue);
-      InProc_Event::Instance().FireInterfacePortStateChangeEvent(&event);
+      if (delivery != nullptr) delivery->FireInterfacePortStateChangeEvent(&event);
       return 0;
     }
     default:
