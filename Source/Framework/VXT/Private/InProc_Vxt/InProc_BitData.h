@@ -114,9 +114,10 @@ class InProc_BitData : public SingletonService<InProc_BitData>, public IInternal
 
   // The calling thread's client; a non-zero internal code when there is none.
   uint32_t CallingClient(int32_t& clientId) const;
-  // Enters a vector that `make` builds, under the mutex, into the calling
-  // client's table and writes it into `record`. A vector `make` cannot build
-  // fails with kOutOfRange.
+  // Enters a vector that `make(ManagedBitData&)` builds, under the mutex,
+  // into the calling client's table and writes it into `record`. A failure
+  // that `make` returns is the result; a vector it leaves unbuilt fails with
+  // kOutOfRange.
   template <class Make>
   uint32_t Enter(VXT_BitData* record, Make make);
   // Next handle: the oldest released one, else a new one. Under the mutex.

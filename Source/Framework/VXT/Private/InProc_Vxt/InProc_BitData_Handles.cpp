@@ -85,7 +85,8 @@ uint32_t InProc_BitData::Enter(VXT_BitData* record, Make make) {
 
   std::lock_guard lock(mutex_);
   ClientVectors& vectors = clients_[clientId];
-  ManagedBitData object = make();
+  ManagedBitData object;
+  if (const uint32_t failure = make(object); failure != 0) return failure;
   if (object == nullptr) return code::kOutOfRange;
   const uint64_t bitSize = object->bitSize;
   const uint64_t handle = AllocateHandle();
@@ -102,15 +103,19 @@ uint32_t InProc_BitData::Enter(VXT_BitData* record, Make make) {
 }
 
 uint32_t InProc_BitData::EnterFromText(VXT_BitData* record, const char* text) {
-  return Enter(record, [&] { return ManagedBitData(BitData_CreateManagedFromString(text)); });
+  return Enter(record, [&](ManagedBitData& object) {
+    object.reset(BitData_CreateManagedFromString(text));
+    return code::kSuccess;
+  });
 }
 
 uint32_t InProc_BitData::EnterField(VXT_BitData* record, const BitData* source, uint32_t bitOffset,
                                     uint32_t bitSize) {
-  return Enter(record, [&] {
-    ManagedBitData field(BitData_CreateManaged(bitSize));
-    if (BitData_Copy(source, bitOffset, field.get(), 0, bitSize) != 0) field.reset();
-    return field;
+  return Enter(record, [&](ManagedBitData& field) {
+    field.reset(BitData_CreateManaged(bitSize));
+    // The record's bitSize may say more than the vector holds; the library
+    // refuses a field beyond the real end.
+    return BitData_Copy(source, bitOffset, field.get(), 0, bitSize);
   });
 }
 
@@ -118,7 +123,10 @@ uint32_t InProc_BitData::_Create(VXT_BitData* record, uint32_t bitSize, uint64_t
                                  const ArgumentErrorReporter& report) {
   if (const uint32_t failure = _CheckRecord(record, false, ReportBehind{report, "(bitData) : "}); failure != 0)
     return failure;
-  return Enter(record, [&] { return ManagedBitData(BitData_CreateManagedFromUInt64(bitSize, initialValue)); });
+  return Enter(record, [&](ManagedBitData& object) {
+    object.reset(BitData_CreateManagedFromUInt64(bitSize, initialValue));
+    return code::kSuccess;
+  });
 }
 
 uint32_t InProc_BitData::_CreateFromRawBits(VXT_BitData* record, uint32_t bitSize, const uint8_t* values,
@@ -126,15 +134,19 @@ uint32_t InProc_BitData::_CreateFromRawBits(VXT_BitData* record, uint32_t bitSiz
   if (values == nullptr && bitSize != 0) return Refuse(report, code::kInvalidArgument, "(values) : Null pointer");
   if (const uint32_t failure = _CheckRecord(record, false, ReportBehind{report, "(bitData) : "}); failure != 0)
     return failure;
-  return Enter(record, [&] {
+  return Enter(record, [&](ManagedBitData& object) {
     // The library reads a byte for every eight bits. When the caller gave
     // fewer, the bits they do not cover are zero rather than read past the
     // caller's buffer.
     const uint64_t needed = (uint64_t{bitSize} + 7) / 8;
-    if (numValues >= needed) return ManagedBitData(BitData_CreateManagedFromBuffer(bitSize, values));
-    std::vector<uint8_t> padded(needed, 0);
-    if (numValues != 0) std::memcpy(padded.data(), values, numValues);
-    return ManagedBitData(BitData_CreateManagedFromBuffer(bitSize, padded.data()));
+    if (numValues >= needed) {
+      object.reset(BitData_CreateManagedFromBuffer(bitSize, values));
+    } else {
+      std::vector<uint8_t> padded(needed, 0);
+      if (numValues != 0) std::memcpy(padded.data(), values, numValues);
+      object.reset(BitData_CreateManagedFromBuffer(bitSize, padded.data()));
+    }
+    return code::kSuccess;
   });
 }
 
@@ -145,7 +157,10 @@ uint32_t InProc_BitData::_Copy(const VXT_BitData* src, VXT_BitData* dest, const 
   if (const uint32_t failure = _CheckRecord(dest, false, reportDest); failure != 0) return failure;
   BitData* source = nullptr;
   if (const uint32_t failure = _GetManaged(src, source, reportSrc); failure != 0) return failure;
-  return Enter(dest, [&] { return ManagedBitData(BitData_CreateManagedFromBitData(source)); });
+  return Enter(dest, [&](ManagedBitData& object) {
+    object.reset(BitData_CreateManagedFromBitData(source));
+    return code::kSuccess;
+  });
 }
 
 uint32_t InProc_BitData::_Destroy(VXT_BitData* record, const ArgumentErrorReporter& report) {

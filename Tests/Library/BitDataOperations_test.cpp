@@ -1,0 +1,619 @@
+// The BitDataOperations service: the checks of every operation and their
+// messages, what each family computes, and the trace of representative
+// operations.
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "BitDataTestSupport.h"
+
+namespace {
+
+namespace tc = voxtrel::testing;
+using vxt::test::EmptyRecord;
+
+using BitDataOperationsTest = vxt::test::BitDataServiceTest;
+
+std::vector<std::pair<uint32_t, std::string>> TraceWithLevels() {
+  std::vector<std::pair<uint32_t, std::string>> lines;
+  for (const tc::TraceLine& line : tc::CapturedTrace()) lines.emplace_back(line.level, line.text);
+  return lines;
+}
+
+// Every refusal of the service, each with its whole message. A refused call
+// changes no record and no vector, and takes no handle.
+TEST_F(BitDataOperationsTest, RefusalsNameTheOperationTheArgumentAndTheReason) {
+  VXT_BitData good = Make(8, 0xa5);     // 2
+  VXT_BitData other = Make(16, 0x3c3c);  // 3
+  VXT_BitData empty = EmptyRecord();
+  VXT_BitData unsized{0, 8, good.dataHandle};
+  VXT_BitData unknown{VXT_BITDATA_SIZE, 8, 999};
+  char text[8] = {};
+  uint32_t u32 = 0;
+  int32_t i32 = 0;
+  constexpr auto kUnknownOperation = static_cast<VXT_BitwiseOperation>(3);
+
+  struct Refusal {
+    std::function<VXT_Result()> call;
+    VXT_Result code;
+    std::string message;
+  };
+  const std::string p = "InProc_BitDataOperations::";
+  const Refusal refusals[] = {
+      // Text
+      {[&] { return ops->ToString(&good, nullptr, 8, nullptr); }, VXT_E_INVALID_ARGUMENT,
+       p + "ToString() argument error (buffer and actualStringSize) : Null pointer"},
+      {[&] { return ops->ToStringDecimal(&unknown, nullptr, 8, nullptr); }, VXT_E_INVALID_ARGUMENT,
+       p + "ToStringDecimal() argument error (buffer and actualStringSize) : Null pointer"},
+      {[&] { return ops->ToStringHexadecimal(&unsized, text, 8, nullptr); }, VXT_E_STRUCTURE_SIZE,
+       p + "ToStringHexadecimal() argument error (bitData) : Structure size not initialized"},
+      {[&] { return ops->ToStringBinary(&unknown, nullptr, 0, &u32); }, VXT_E_BITDATA_INVALID,
+       p + "ToStringBinary() argument error (bitData) : Invalid"},
+      // Single bits: SetBitOn, SetBitOff and the tests check the offset before
+      // the lookup, InvertBit after it.
+      {[&] { return ops->SetBitOn(&good, 8); }, VXT_E_BITDATA_BIT_OFFSET_INVALID,
+       p + "SetBitOn() argument error (bitOffset) : Invalid"},
+      {[&] { return ops->SetBitOff(&unknown, 8); }, VXT_E_BITDATA_BIT_OFFSET_INVALID,
+       p + "SetBitOff() argument error (bitOffset) : Invalid"},
+      {[&] { return ops->SetBitOff(&unknown, 7); }, VXT_E_BITDATA_INVALID,
+       p + "SetBitOff() argument error (bitData) : Invalid"},
+      {[&] { return ops->InvertBit(&good, 8); }, VXT_E_BITDATA_BIT_OFFSET_INVALID,
+       p + "InvertBit() argument error (bitData) : Bit offset invalid"},
+      {[&] { return ops->InvertBit(&unknown, 8); }, VXT_E_BITDATA_INVALID,
+       p + "InvertBit() argument error (bitData) : Invalid"},
+      {[&] { return ops->IsBitOn(&empty, 0, nullptr); }, VXT_E_BITDATA_INVALID,
+       p + "IsBitOn() argument error (bitData) : Invalid"},
+      {[&] { return ops->IsBitOn(&good, 9, nullptr); }, VXT_E_INVALID_ARGUMENT,
+       p + "IsBitOn() argument error (result) : Null pointer"},
+      {[&] { return ops->IsBitOff(&unknown, 8, &u32); }, VXT_E_BITDATA_BIT_OFFSET_INVALID,
+       p + "IsBitOff() argument error (bitOffset) : Invalid"},
+      // Queries: record, out pointer, range, lookup.
+      {[&] { return ops->FindFirst(&good, nullptr); }, VXT_E_INVALID_ARGUMENT,
+       p + "FindFirst() argument error (bitFoundIndex) : Null pointer"},
+      {[&] { return ops->FindFirstBitRange(&unknown, 0, 8, &u32); }, VXT_E_BITDATA_INVALID,
+       p + "FindFirstBitRange() argument error (bitData) : Invalid"},
+      {[&] { return ops->FindLast(&unsized, &u32); }, VXT_E_STRUCTURE_SIZE,
+       p + "FindLast() argument error (bitData) : Structure size not initialized"},
+      {[&] { return ops->FindLastBitRange(&unknown, 4, 8, &u32); }, VXT_E_BITDATA_BIT_RANGE_INVALID,
+       p + "FindLastBitRange() argument error (bitData) : Bit range invalid"},
+      {[&] { return ops->IsValue(&good, 0, 8, 1, nullptr); }, VXT_E_INVALID_ARGUMENT,
+       p + "IsValue() argument error (result) : Null pointer"},
+      {[&] { return ops->IsValue(&good, 8, 1, 1, &u32); }, VXT_E_BITDATA_BIT_OFFSET_INVALID,
+       p + "IsValue() argument error (bitData) : Bit offset invalid"},
+      {[&] { return ops->Parity(&good, nullptr); }, VXT_E_INVALID_ARGUMENT,
+       p + "Parity() argument error (parity) : Null pointer"},
+      {[&] { return ops->ParityBitRange(&good, 9, 0, &u32); }, VXT_E_BITDATA_BIT_OFFSET_INVALID,
+       p + "ParityBitRange() argument error (bitData) : Bit offset invalid"},
+      {[&] { return ops->PopCount(&good, nullptr); }, VXT_E_INVALID_ARGUMENT,
+       p + "PopCount() argument error (count) : Null pointer"},
+      {[&] { return ops->PopCountBitRange(&unknown, 0, 8, &u32); }, VXT_E_BITDATA_INVALID,
+       p + "PopCountBitRange() argument error (bitData) : Invalid"},
+      // Comparison
+      {[&] { return ops->BitData_Compare(&good, &empty, &i32); }, VXT_E_BITDATA_INVALID,
+       p + "BitData_Compare() argument error (right) : Invalid"},
+      {[&] { return ops->BitData_Compare(&unknown, &other, nullptr); }, VXT_E_INVALID_ARGUMENT,
+       p + "BitData_Compare() argument error (result) : Null pointer"},
+      {[&] { return ops->BitData_Compare(&unknown, &other, &i32); }, VXT_E_BITDATA_INVALID,
+       p + "BitData_Compare() argument error (left) : Invalid"},
+      {[&] { return ops->CompareBitRange(&good, 0, 9, &unknown, 0, 8, &i32); }, VXT_E_BITDATA_BIT_RANGE_INVALID,
+       p + "CompareBitRange() argument error (left) : Bit range invalid"},
+      {[&] { return ops->CompareBitRange(&good, 0, 8, &unknown, 0, 8, &i32); }, VXT_E_BITDATA_INVALID,
+       p + "CompareBitRange() argument error (right) : Invalid"},
+      {[&] { return ops->CompareBitRange(&good, 0, 8, &other, 16, 0, &i32); }, VXT_E_BITDATA_BIT_OFFSET_INVALID,
+       p + "CompareBitRange() argument error (right) : Bit offset invalid"},
+      // Arithmetic and rotation: checked, then not implemented; handles are
+      // never looked up.
+      {[&] { return ops->Add(&good, 1, &other); }, VXT_E_BITDATA_DESTINATION_EXISTS,
+       p + "Add() argument error (result) : Destination exists"},
+      {[&] { return ops->Subtract(&good, 1, &empty); }, VXT_E_NOT_IMPLEMENTED, "Not implemented"},
+      {[&] { return ops->Modulo(&empty, 1, &empty); }, VXT_E_BITDATA_INVALID,
+       p + "Modulo() argument error (bitData) : Invalid"},
+      {[&] { return ops->Multiply(&unknown, 1, nullptr); }, VXT_E_INVALID_ARGUMENT,
+       p + "Multiply() argument error (result) : Null pointer"},
+      {[&] { return ops->Divide(&unknown, 0, &empty); }, VXT_E_NOT_IMPLEMENTED, "Not implemented"},
+      {[&] { return ops->SubtractBitRange(&good, 0, 8, &good, 0, 8, &empty, 0, 8); }, VXT_E_BITDATA_INVALID,
+       p + "SubtractBitRange() argument error (right) : Invalid"},
+      {[&] { return ops->DivideBitRange(&unknown, 99, 99, &good, 0, 0, &good, 0, 0); }, VXT_E_NOT_IMPLEMENTED,
+       "Not implemented"},
+      {[&] { return ops->RotateLeft(&unknown, 1); }, VXT_E_NOT_IMPLEMENTED, "Not implemented"},
+      {[&] { return ops->RotateRightBitRange(&unsized, 0, 1, 1); }, VXT_E_STRUCTURE_SIZE,
+       p + "RotateRightBitRange() argument error (bitData) : Structure size not initialized"},
+      // Logic
+      {[&] { return ops->And(&good, &other, &other); }, VXT_E_BITDATA_DESTINATION_EXISTS,
+       p + "And() argument error (result) : Destination exists"},
+      {[&] { return ops->Or(&empty, &good, &empty); }, VXT_E_BITDATA_INVALID,
+       p + "Or() argument error (left) : Invalid"},
+      {[&] { return ops->Xor(&good, nullptr, &empty); }, VXT_E_INVALID_ARGUMENT,
+       p + "Xor() argument error (right) : Null pointer"},
+      {[&] { return ops->Invert(&good, 4, 5, 0); }, VXT_E_BITDATA_BIT_RANGE_INVALID,
+       p + "Invert() argument error (bitData) : Bit range invalid"},
+      {[&] { return ops->Reverse(&good, &other); }, VXT_E_BITDATA_DESTINATION_EXISTS,
+       p + "Reverse() argument error (result) : Destination exists"},
+      {[&] { return ops->ReverseBitRange(&unknown, 0, 8); }, VXT_E_BITDATA_INVALID,
+       p + "ReverseBitRange() argument error (bitData) : Invalid"},
+      {[&] { return ops->BitwiseOp(&good, 0, 8, &other, 0, 8, &empty, 0, 8, VXT_BitwiseOperation_OR); },
+       VXT_E_BITDATA_INVALID, p + "BitwiseOp() argument error (right) : Invalid"},
+      {[&] { return ops->BitwiseOp(&good, 4, 8, &other, 0, 8, &good, 0, 8, VXT_BitwiseOperation_AND); },
+       VXT_E_BITDATA_BIT_RANGE_INVALID, p + "BitwiseOp() argument error (dest bit range) : Bit range invalid"},
+      {[&] { return ops->BitwiseOp(&good, 0, 8, &other, 16, 1, &good, 0, 8, VXT_BitwiseOperation_AND); },
+       VXT_E_BITDATA_BIT_OFFSET_INVALID, p + "BitwiseOp() argument error (left bit range) : Bit offset invalid"},
+      // A bad range is told before an unknown operation...
+      {[&] { return ops->BitwiseOp(&good, 0, 8, &other, 0, 8, &good, 1, 8, kUnknownOperation); },
+       VXT_E_BITDATA_BIT_RANGE_INVALID, p + "BitwiseOp() argument error (right bit range) : Bit range invalid"},
+      {[&] { return ops->BitwiseOp(&good, 0, 8, &unknown, 0, 8, &good, 0, 8, kUnknownOperation); },
+       VXT_E_BITDATA_INVALID, p + "BitwiseOp() argument error (left) : Invalid"},
+      // ...which comes last, told by its code alone.
+      {[&] { return ops->BitwiseOp(&good, 0, 8, &other, 0, 8, &good, 0, 8, kUnknownOperation); },
+       VXT_E_BITDATA_UNKNOWN_OPERATION, "Invalid bitwise operation"},
+      // Changes
+      {[&] { return ops->ShiftLeft(&unknown, 1); }, VXT_E_BITDATA_INVALID,
+       p + "ShiftLeft() argument error (bitData) : Invalid"},
+      {[&] { return ops->ShiftRightBitRange(&good, 8, 1, 1); }, VXT_E_BITDATA_BIT_OFFSET_INVALID,
+       p + "ShiftRightBitRange() argument error (bitData) : Bit offset invalid"},
+      {[&] { return ops->SetRandomSeed(&empty, 1); }, VXT_E_BITDATA_INVALID,
+       p + "SetRandomSeed() argument error (bitData) : Invalid"},
+      {[&] { return ops->Randomize(&good, nullptr); }, VXT_E_INVALID_ARGUMENT,
+       p + "Randomize() argument error (result) : Null pointer"},
+      {[&] { return ops->Randomize(&good, &other); }, VXT_E_BITDATA_DESTINATION_EXISTS,
+       p + "Randomize() argument error (result) : Destination exists"},
+      {[&] { return ops->RandomizeBits(&good, 0, 9); }, VXT_E_BITDATA_BIT_RANGE_INVALID,
+       p + "RandomizeBits() argument error (bitData) : Bit range invalid"},
+      {[&] { return ops->GrowSize(nullptr, 1); }, VXT_E_INVALID_ARGUMENT,
+       p + "GrowSize() argument error (bitData) : Null pointer"},
+      {[&] { return ops->GrowSize(&unknown, 1); }, VXT_E_BITDATA_INVALID,
+       p + "GrowSize() argument error (bitData) : Invalid"},
+      {[&] { return ops->SetBitRangeToPattern(&good, 0, 9, 1); }, VXT_E_BITDATA_BIT_RANGE_INVALID,
+       p + "SetBitRangeToPattern() argument error (bitData) : Bit range invalid"},
+      // The lookup comes before the range here.
+      {[&] { return ops->SetBitRangeToPattern(&unknown, 0, 9, 1); }, VXT_E_BITDATA_INVALID,
+       p + "SetBitRangeToPattern() argument error (bitData) : Invalid"},
+  };
+
+  const std::vector<VXT_BitData> records{good, other, empty, unsized, unknown};
+  for (const Refusal& refusal : refusals) {
+    EXPECT_EQ(refusal.call(), refusal.code) << refusal.message;
+    EXPECT_EQ(GetLastErrorMessage(), refusal.message);
+
+    const std::vector<VXT_BitData> after{good, other, empty, unsized, unknown};
+    for (size_t i = 0; i < records.size(); ++i) {
+      EXPECT_EQ(after[i].bitSize, records[i].bitSize) << refusal.message;
+      EXPECT_EQ(after[i].dataHandle, records[i].dataHandle) << refusal.message;
+    }
+    EXPECT_EQ(Hex(good) + " " + Hex(other), "0xa5 0x3c3c") << refusal.message;
+  }
+  EXPECT_EQ(Make(1).dataHandle, 4u);
+}
+
+// ---- Text -------------------------------------------------------------------
+
+TEST_F(BitDataOperationsTest, TextFormsOfAVector) {
+  using TextOperation = VXT_Result (IInternalService_BitDataOperations::*)(const VXT_BitData*, char*, uint32_t,
+                                                                           uint32_t*);
+  const TextOperation general = &IInternalService_BitDataOperations::ToString;
+  const TextOperation decimal = &IInternalService_BitDataOperations::ToStringDecimal;
+  const TextOperation hexadecimal = &IInternalService_BitDataOperations::ToStringHexadecimal;
+  const TextOperation binary = &IInternalService_BitDataOperations::ToStringBinary;
+  struct Case {
+    const char* vector;
+    TextOperation operation;
+    std::string text;
+  };
+  const Case cases[] = {
+      {"12'habc", general, "12'habc"},          {"12'habc", decimal, "2748"},
+      {"12'habc", hexadecimal, "0xabc"},        {"12'habc", binary, "0b101010111100"},
+      {"0b0", decimal, "0"},                    {"0x", hexadecimal, "0x"},
+      {"0x", binary, "0b"},                     {"0x", decimal, "0"},
+      {"18446744073709551616", decimal, "18446744073709551616"},
+      {"18446744073709551616", hexadecimal, "0x10000000000000000"},
+  };
+  for (const Case& c : cases) {
+    const VXT_BitData record = Parse(c.vector);
+    char buffer[64];
+    uint32_t size = 0;
+    ASSERT_EQ((ops->*c.operation)(&record, buffer, sizeof buffer, &size), VXT_SUCCESS) << c.vector;
+    EXPECT_EQ(std::string(buffer), c.text) << c.vector;
+    EXPECT_EQ(size, c.text.size()) << c.vector;
+    // Without a place for the length the text is written all the same.
+    std::fill(std::begin(buffer), std::end(buffer), 'x');
+    ASSERT_EQ((ops->*c.operation)(&record, buffer, sizeof buffer, nullptr), VXT_SUCCESS) << c.vector;
+    EXPECT_EQ(std::string(buffer), c.text) << c.vector;
+  }
+}
+
+TEST_F(BitDataOperationsTest, ASizeQueryReportsTheEstimateOfEachForm) {
+  using TextOperation = VXT_Result (IInternalService_BitDataOperations::*)(const VXT_BitData*, char*, uint32_t,
+                                                                           uint32_t*);
+  struct Case {
+    uint32_t bitSize;
+    TextOperation operation;
+    uint32_t estimate;
+  };
+  const Case cases[] = {
+      {10, &IInternalService_BitDataOperations::ToStringBinary, 12},
+      {16, &IInternalService_BitDataOperations::ToStringHexadecimal, 6},
+      {17, &IInternalService_BitDataOperations::ToStringHexadecimal, 7},
+      {64, &IInternalService_BitDataOperations::ToStringDecimal, 22},
+      {64, &IInternalService_BitDataOperations::ToString, 24},
+      {1000, &IInternalService_BitDataOperations::ToString, 260},
+      {1, &IInternalService_BitDataOperations::ToStringDecimal, 1},
+  };
+  for (const Case& c : cases) {
+    const VXT_BitData record = Make(c.bitSize, ~uint64_t{0});
+    uint32_t size = 0;
+    ASSERT_EQ((ops->*c.operation)(&record, nullptr, 0, &size), VXT_SUCCESS);
+    EXPECT_EQ(size, c.estimate) << c.bitSize;
+  }
+}
+
+TEST_F(BitDataOperationsTest, TextIsCutToTheCallersBuffer) {
+  const VXT_BitData record = Make(12, 0xabc);
+  char buffer[8] = "zzzzzzz";
+  uint32_t size = 99;
+  EXPECT_EQ(ops->ToStringHexadecimal(&record, buffer, 4, &size), VXT_SUCCESS);
+  EXPECT_STREQ(buffer, "0xa");
+  EXPECT_EQ(size, 3u);
+  EXPECT_EQ(buffer[4], 'z');
+  EXPECT_EQ(ops->ToStringBinary(&record, buffer, 0, &size), VXT_SUCCESS);
+  EXPECT_EQ(buffer[0], '0');
+  EXPECT_EQ(size, 0u);
+}
+
+TEST_F(BitDataOperationsTest, TextTraceShowsTheWrittenTextAtLevelTwo) {
+  const VXT_BitData record = Make(12, 0xabc);
+  char buffer[16];
+  uint32_t size = 0;
+  ClearTrace();
+  ASSERT_EQ(ops->ToStringHexadecimal(&record, nullptr, 0, &size), VXT_SUCCESS);
+  ASSERT_EQ(ops->ToStringHexadecimal(&record, buffer, sizeof buffer, &size), VXT_SUCCESS);
+  const std::string in = "In  InProc_BitDataOperations::ToStringHexadecimal(bitData = {bitSize = 12 dataHandle = "
+                         "0x0000000000000002} maxBufferSize = ";
+  EXPECT_EQ(TraceWithLevels(),
+            (std::vector<std::pair<uint32_t, std::string>>{
+                {1, in + "0) [ClientID: 3]"},
+                {2, "Out InProc_BitDataOperations::ToStringHexadecimal(buffer = <NULL> actualStringSize = 5) "
+                    "ErrorCode = 0x00000000"},
+                {1, in + "16) [ClientID: 3]"},
+                {2, "Out InProc_BitDataOperations::ToStringHexadecimal(buffer = 0xabc actualStringSize = 5) "
+                    "ErrorCode = 0x00000000"},
+            }));
+}
+
+// ---- Bits and queries ---------------------------------------------------------
+
+TEST_F(BitDataOperationsTest, SingleBitsAreSetClearedInvertedAndTested) {
+  VXT_BitData record = Make(8, 0x0f);
+  ASSERT_EQ(ops->SetBitOn(&record, 7), VXT_SUCCESS);
+  ASSERT_EQ(ops->SetBitOff(&record, 0), VXT_SUCCESS);
+  ASSERT_EQ(ops->InvertBit(&record, 1), VXT_SUCCESS);
+  ASSERT_EQ(ops->InvertBit(&record, 6), VXT_SUCCESS);
+  EXPECT_EQ(Binary(record), "0b11001100");
+
+  struct Test {
+    uint32_t bitOffset;
+    uint32_t on;
+  };
+  for (const Test test : {Test{0, 0}, Test{2, 1}, Test{6, 1}, Test{7, 1}, Test{5, 0}}) {
+    uint32_t on = 9;
+    uint32_t off = 9;
+    ASSERT_EQ(ops->IsBitOn(&record, test.bitOffset, &on), VXT_SUCCESS);
+    ASSERT_EQ(ops->IsBitOff(&record, test.bitOffset, &off), VXT_SUCCESS);
+    EXPECT_EQ(on, test.on) << test.bitOffset;
+    EXPECT_EQ(off, 1 - test.on) << test.bitOffset;
+  }
+}
+
+TEST_F(BitDataOperationsTest, QueriesAnswerOverTheWholeVectorOrTheirField) {
+  using Query = std::function<VXT_Result(const VXT_BitData&, uint32_t*)>;
+  struct Case {
+    const char* vector;
+    const char* what;
+    Query query;
+    uint32_t answer;
+  };
+  const Case cases[] = {
+      {"0b00101000", "first", [&](auto& r, uint32_t* a) { return ops->FindFirst(&r, a); }, 3},
+      {"0b00101000", "last", [&](auto& r, uint32_t* a) { return ops->FindLast(&r, a); }, 5},
+      {"0b00000000", "first of none", [&](auto& r, uint32_t* a) { return ops->FindFirst(&r, a); }, 0xffffffff},
+      {"0b00000000", "last of none", [&](auto& r, uint32_t* a) { return ops->FindLast(&r, a); }, 0xffffffff},
+      // A position in the vector, not in the field.
+      {"0b00101000", "first in field", [&](auto& r, uint32_t* a) { return ops->FindFirstBitRange(&r, 4, 4, a); }, 5},
+      {"0b00101000", "last in field", [&](auto& r, uint32_t* a) { return ops->FindLastBitRange(&r, 0, 4, a); }, 3},
+      {"0b00101000", "none in field", [&](auto& r, uint32_t* a) { return ops->FindLastBitRange(&r, 0, 3, a); },
+       0xffffffff},
+      {"1000'h1", "far bit", [&](auto& r, uint32_t* a) { return ops->FindLast(&r, a); }, 0},
+      {"0b10100101", "is value", [&](auto& r, uint32_t* a) { return ops->IsValue(&r, 4, 4, 0xa, a); }, 1},
+      {"0b10100101", "is not value", [&](auto& r, uint32_t* a) { return ops->IsValue(&r, 4, 4, 0xb, a); }, 0},
+      {"0b10100101", "even parity", [&](auto& r, uint32_t* a) { return ops->Parity(&r, a); }, 0},
+      {"0b10100101", "odd field", [&](auto& r, uint32_t* a) { return ops->ParityBitRange(&r, 0, 1, a); }, 1},
+      {"0b10100101", "even field", [&](auto& r, uint32_t* a) { return ops->ParityBitRange(&r, 0, 3, a); }, 0},
+      {"0b10100101", "count", [&](auto& r, uint32_t* a) { return ops->PopCount(&r, a); }, 4},
+      {"0b10100101", "count field", [&](auto& r, uint32_t* a) { return ops->PopCountBitRange(&r, 4, 4, a); }, 2},
+      {"0b10100101", "count empty field", [&](auto& r, uint32_t* a) { return ops->PopCountBitRange(&r, 0, 0, a); }, 0},
+  };
+  for (const Case& c : cases) {
+    const VXT_BitData record = Parse(c.vector);
+    uint32_t answer = 12345;
+    ASSERT_EQ(c.query(record, &answer), VXT_SUCCESS) << c.what << ": " << GetLastErrorMessage();
+    EXPECT_EQ(answer, c.answer) << c.what;
+  }
+}
+
+TEST_F(BitDataOperationsTest, SearchesAndCountsReachAcrossWords) {
+  VXT_BitData record = Make(1000);
+  for (uint32_t bit : {63u, 64u, 777u, 999u}) ASSERT_EQ(ops->SetBitOn(&record, bit), VXT_SUCCESS);
+  uint32_t first = 0;
+  uint32_t last = 0;
+  uint32_t count = 0;
+  uint32_t inField = 0;
+  EXPECT_EQ(ops->FindFirst(&record, &first), VXT_SUCCESS);
+  EXPECT_EQ(ops->FindLast(&record, &last), VXT_SUCCESS);
+  EXPECT_EQ(ops->PopCount(&record, &count), VXT_SUCCESS);
+  EXPECT_EQ(ops->FindFirstBitRange(&record, 65, 900, &inField), VXT_SUCCESS);
+  EXPECT_EQ((std::vector<uint32_t>{first, last, count, inField}), (std::vector<uint32_t>{63, 999, 4, 777}));
+}
+
+TEST_F(BitDataOperationsTest, ComparisonCoversTheShorterLength) {
+  struct Case {
+    const char* left;
+    const char* right;
+    int32_t result;
+  };
+  for (const Case c : {Case{"0x0f", "0xf0", -1}, Case{"0xf0", "0x0f", 1}, Case{"0x5a", "0x5a", 0},
+                       // Equal over the shorter length: the upper bits of the longer do not count.
+                       Case{"0x05", "0xff05", 0}, Case{"0xff06", "0x05", 1}}) {
+    const VXT_BitData left = Parse(c.left);
+    const VXT_BitData right = Parse(c.right);
+    int32_t result = 9;
+    ASSERT_EQ(ops->BitData_Compare(&left, &right, &result), VXT_SUCCESS);
+    EXPECT_EQ(result, c.result) << c.left << " " << c.right;
+  }
+
+  const VXT_BitData left = Parse("0xab");
+  const VXT_BitData right = Parse("0x0a");
+  int32_t result = 9;
+  ASSERT_EQ(ops->CompareBitRange(&left, 4, 4, &right, 0, 8, &result), VXT_SUCCESS);
+  EXPECT_EQ(result, 0);
+  ASSERT_EQ(ops->CompareBitRange(&left, 0, 4, &right, 0, 4, &result), VXT_SUCCESS);
+  EXPECT_EQ(result, 1);
+}
+
+// ---- Logic -------------------------------------------------------------------
+
+TEST_F(BitDataOperationsTest, CombiningVectorsOfTwoLengthsFillsTheShorterWithZeros) {
+  using Combine = VXT_Result (IInternalService_BitDataOperations::*)(const VXT_BitData*, const VXT_BitData*,
+                                                                     VXT_BitData*);
+  struct Case {
+    const char* name;
+    Combine combine;
+    std::string leftFirst;
+    std::string rightFirst;
+  };
+  const Case cases[] = {
+      {"and", &IInternalService_BitDataOperations::And, "0x00c0", "0x00c0"},
+      {"or", &IInternalService_BitDataOperations::Or, "0xabfc", "0xabfc"},
+      {"xor", &IInternalService_BitDataOperations::Xor, "0xab3c", "0xab3c"},
+  };
+  const VXT_BitData narrow = Make(8, 0xf0);
+  const VXT_BitData wide = Make(16, 0xabcc);
+  for (const Case& c : cases) {
+    VXT_BitData result = EmptyRecord();
+    ASSERT_EQ((ops->*c.combine)(&narrow, &wide, &result), VXT_SUCCESS) << c.name;
+    EXPECT_EQ(result.bitSize, 16u);
+    EXPECT_EQ(Hex(result), c.leftFirst) << c.name;
+    VXT_BitData swapped = EmptyRecord();
+    ASSERT_EQ((ops->*c.combine)(&wide, &narrow, &swapped), VXT_SUCCESS) << c.name;
+    EXPECT_EQ(Hex(swapped), c.rightFirst) << c.name;
+  }
+  EXPECT_EQ(Hex(narrow) + " " + Hex(wide), "0xf0 0xabcc");
+}
+
+TEST_F(BitDataOperationsTest, AnOperandFoundBadAfterTheResultIsMadeLeavesTheResultWithTheClient) {
+  const VXT_BitData left = Make(8, 0xf0);
+  const VXT_BitData unknown{VXT_BITDATA_SIZE, 12, 999};
+  VXT_BitData result = EmptyRecord();
+  EXPECT_EQ(ops->And(&left, &unknown, &result), VXT_E_BITDATA_INVALID);
+  EXPECT_STREQ(GetLastErrorMessage(), "InProc_BitDataOperations::And() argument error (right) : Invalid");
+  EXPECT_EQ(result.bitSize, 12u);
+  EXPECT_EQ(result.dataHandle, 3u);
+  EXPECT_EQ(Hex(result), "0x000");
+
+  // Or and Xor start from a copy of the longer operand, so the bad handle
+  // shows already while the result is being made.
+  VXT_BitData copied = EmptyRecord();
+  EXPECT_EQ(ops->Or(&left, &unknown, &copied), VXT_E_BITDATA_INVALID);
+  EXPECT_STREQ(GetLastErrorMessage(), "InProc_BitDataOperations::Or() argument error (src) : Invalid");
+  EXPECT_EQ(copied.dataHandle, 0u);
+}
+
+TEST_F(BitDataOperationsTest, BitwiseOpCombinesFieldsWithOrFirstInItsNumbering) {
+  const VXT_BitData left = Make(8, 0xf0);
+  const VXT_BitData right = Make(8, 0x3c);
+  struct Case {
+    VXT_BitwiseOperation operation;
+    std::string hex;
+  };
+  for (const Case& c : {Case{VXT_BitwiseOperation_OR, "0xfffcf"}, Case{VXT_BitwiseOperation_AND, "0xff30f"},
+                       Case{VXT_BitwiseOperation_XOR, "0xffccf"}}) {
+    const VXT_BitData dest = Make(20, 0xfffff);
+    ASSERT_EQ(ops->BitwiseOp(&dest, 4, 8, &left, 0, 8, &right, 0, 8, c.operation), VXT_SUCCESS);
+    EXPECT_EQ(Hex(dest), c.hex) << c.operation;
+  }
+}
+
+TEST_F(BitDataOperationsTest, InvertReverseAndTheirFields) {
+  VXT_BitData record = Make(8, 0xa5);
+  ASSERT_EQ(ops->Invert(&record, 0, 4, 0x12345678), VXT_SUCCESS);
+  EXPECT_EQ(Hex(record), "0xaa");
+  VXT_BitData wide = Make(70);
+  ASSERT_EQ(ops->Invert(&wide, 0, 70, 0), VXT_SUCCESS);
+  uint32_t count = 0;
+  ASSERT_EQ(ops->PopCount(&wide, &count), VXT_SUCCESS);
+  EXPECT_EQ(count, 70u);
+
+  const VXT_BitData source = Parse("0b00010011");
+  VXT_BitData reversed = EmptyRecord();
+  ASSERT_EQ(ops->Reverse(&source, &reversed), VXT_SUCCESS);
+  EXPECT_EQ(Binary(reversed), "0b11001000");
+  EXPECT_EQ(Binary(source), "0b00010011");
+  ASSERT_EQ(ops->ReverseBitRange(&source, 0, 4), VXT_SUCCESS);
+  EXPECT_EQ(Binary(source), "0b00011100");
+}
+
+// ---- Changes -----------------------------------------------------------------
+
+TEST_F(BitDataOperationsTest, ShiftsMoveBitsInsideTheVectorOrTheField) {
+  using Shift = std::function<VXT_Result(const VXT_BitData&)>;
+  struct Case {
+    const char* what;
+    Shift shift;
+    std::string binary;
+  };
+  const Case cases[] = {
+      {"left", [&](auto& r) { return ops->ShiftLeft(&r, 2); }, "0b01011000"},
+      {"right", [&](auto& r) { return ops->ShiftRight(&r, 2); }, "0b00000101"},
+      {"left by a negative count", [&](auto& r) { return ops->ShiftLeft(&r, -2); }, "0b00000101"},
+      {"out of the vector", [&](auto& r) { return ops->ShiftRight(&r, 100); }, "0b00000000"},
+      {"left in field", [&](auto& r) { return ops->ShiftLeftBitRange(&r, 2, 4, 1); }, "0b00101010"},
+      {"right in field", [&](auto& r) { return ops->ShiftRightBitRange(&r, 1, 4, 1); }, "0b00001010"},
+  };
+  for (const Case& c : cases) {
+    const VXT_BitData record = Parse("0b00010110");
+    ASSERT_EQ(c.shift(record), VXT_SUCCESS) << c.what;
+    EXPECT_EQ(Binary(record), c.binary) << c.what;
+  }
+}
+
+TEST_F(BitDataOperationsTest, TheSameSeedGivesTheSameRandomBitsInANewVector) {
+  const VXT_BitData source = Make(200);
+  VXT_BitData first = EmptyRecord();
+  VXT_BitData second = EmptyRecord();
+  ASSERT_EQ(ops->SetRandomSeed(&source, 42), VXT_SUCCESS);
+  ASSERT_EQ(ops->Randomize(&source, &first), VXT_SUCCESS);
+  ASSERT_EQ(ops->SetRandomSeed(&source, 42), VXT_SUCCESS);
+  ASSERT_EQ(ops->Randomize(&source, &second), VXT_SUCCESS);
+  EXPECT_EQ(first.bitSize, 200u);
+  EXPECT_NE(first.dataHandle, second.dataHandle);
+  EXPECT_EQ(Hex(first), Hex(second));
+  EXPECT_NE(Hex(first), Hex(source));
+  EXPECT_EQ(Hex(source), "0x" + std::string(50, '0'));
+
+  // In place, inside the field only.
+  const VXT_BitData field = Make(32);
+  ASSERT_EQ(ops->RandomizeBits(&field, 8, 16), VXT_SUCCESS);
+  uint32_t value = 0;
+  ASSERT_EQ(bits->ToUInt32(&field, 0, &value), VXT_SUCCESS);
+  EXPECT_EQ(value & 0xff0000ffu, 0u);
+  EXPECT_NE(value, 0u);
+}
+
+TEST_F(BitDataOperationsTest, GrowingKeepsTheHandleAndTheBits) {
+  VXT_BitData record = Make(8, 0xa5);
+  const uint64_t handle = record.dataHandle;
+  ASSERT_EQ(ops->GrowSize(&record, 0), VXT_SUCCESS);
+  EXPECT_EQ(record.bitSize, 8u);
+  ASSERT_EQ(ops->GrowSize(&record, 60), VXT_SUCCESS);
+  EXPECT_EQ(record.bitSize, 68u);
+  EXPECT_EQ(record.dataHandle, handle);
+  EXPECT_EQ(Hex(record), "0x000000000000000a5");
+}
+
+TEST_F(BitDataOperationsTest, APatternRepeatsInPiecesOf32BitsInsideTheFieldOnly) {
+  const VXT_BitData record = Make(64, ~uint64_t{0});
+  ClearTrace();
+  ASSERT_EQ(ops->SetBitRangeToPattern(&record, 4, 40, 0x89abcdef), VXT_SUCCESS);
+  uint64_t value = 0;
+  ASSERT_EQ(bits->ToUInt64(&record, 0, &value), VXT_SUCCESS);
+  // Bits 4 to 35 the whole pattern, 36 to 43 its low eight bits.
+  EXPECT_EQ(value, 0xfffffef89abcdeffu);
+
+  const VXT_BitData nothing = Make(0);
+  EXPECT_EQ(ops->SetBitRangeToPattern(&nothing, 0, 0, 0x1), VXT_SUCCESS);
+}
+
+// ---- Trace -------------------------------------------------------------------
+
+TEST_F(BitDataOperationsTest, TraceShowsEachFamilysArgumentsAndResults) {
+  const VXT_BitData record = Parse("0b00101000");  // 2
+  const std::string held = "{bitSize = 8 dataHandle = 0x0000000000000002}";
+  uint32_t u32 = 0;
+  int32_t i32 = 0;
+  VXT_BitData empty = EmptyRecord();
+  const std::string none = "{bitSize = 0 dataHandle = 0x0000000000000000}";
+  struct Case {
+    std::function<void()> call;
+    std::vector<std::pair<uint32_t, std::string>> lines;
+  };
+  const Case cases[] = {
+      {[&] { ops->FindFirst(&record, &u32); },
+       {{1, "In  InProc_BitDataOperations::FindFirst(bitData = " + held + ") [ClientID: 3]"},
+        {2, "Out InProc_BitDataOperations::FindFirst(result = 3) ErrorCode = 0x00000000"}}},
+      {[&] { ops->IsBitOn(&record, 5, &u32); },
+       {{1, "In  InProc_BitDataOperations::IsBitOn(bitData = " + held + " bitOffset = 5) [ClientID: 3]"},
+        {2, "Out InProc_BitDataOperations::IsBitOn(result = True) ErrorCode = 0x00000000"}}},
+      {[&] { ops->IsValue(&record, 0, 8, 0x28, &u32); },
+       {{1, "In  InProc_BitDataOperations::IsValue(bitData = " + held +
+                " bitOffset = 0 bitSize = 8 pattern = 0x00000028) [ClientID: 3]"},
+        {2, "Out InProc_BitDataOperations::IsValue(result = True) ErrorCode = 0x00000000"}}},
+      {[&] { ops->BitData_Compare(&record, &record, &i32); },
+       {{1, "In  InProc_BitDataOperations::BitData_Compare(left = " + held + " right = " + held + ") [ClientID: 3]"},
+        {2, "Out InProc_BitDataOperations::BitData_Compare(result = 0) ErrorCode = 0x00000000"}}},
+      {[&] { ops->PopCountBitRange(&record, 0, 4, &u32); },
+       {{1, "In  InProc_BitDataOperations::PopCountBitRange(bitData = " + held +
+                " bitOffset = 0 bitSize = 4) [ClientID: 3]"},
+        {2, "Out InProc_BitDataOperations::PopCountBitRange(result = 1) ErrorCode = 0x00000000"}}},
+      {[&] { ops->ShiftLeft(&record, -2); },
+       {{1, "In  InProc_BitDataOperations::ShiftLeft(bitData = " + held + " numBits = -2) [ClientID: 3]"},
+        {1, "Out InProc_BitDataOperations::ShiftLeft(bitData = " + held + ") ErrorCode = 0x00000000 [ClientID: 3]"}}},
+      {[&] { ops->BitwiseOp(&record, 0, 8, &record, 0, 8, &record, 0, 8, VXT_BitwiseOperation_XOR); },
+       {{1, "In  InProc_BitDataOperations::BitwiseOp(dest = " + held + " destBitOffset = 0 destBitSize = 8 left = " +
+                held + " leftBitOffset = 0 leftBitSize = 8 right = " + held +
+                " rightBitOffset = 0 rightBitSize = 8 operation = XOR) [ClientID: 3]"},
+        {1, "Out InProc_BitDataOperations::BitwiseOp(dest = ) ErrorCode = 0x00000000 [ClientID: 3]"}}},
+      {[&] { ops->Add(&record, 0x10, &empty); },
+       {{1, "In  InProc_BitDataOperations::Add(bitData = " + held + " value = 0x0000000000000010 result = " + none +
+                ") [ClientID: 3]"},
+        {2, "VXT Error = 'Not implemented' [ClientID: 3]"},
+        {1, "In  InProc ReportErrorMessage(<NULL>'Not implemented')"},
+        {1, "Out InProc ReportErrorMessage()"},
+        {1, "Out InProc_BitDataOperations::Add(result = " + none + ") ErrorCode = 0x80000004 [ClientID: 3]"}}},
+      {[&] { ops->AddBitRange(&record, 0, 8, &record, 0, 8, &record, 0, 8); },
+       {{1, "In  InProc_BitDataOperations::AddBitRange(dest = " + held + " destBitOffset = 0 destBitSize = 8 left = " +
+                held + " leftBitOffset = 0 leftBitSize = 8 right = " + held +
+                " rightBitOffset = 0 rightBitSize = 8) [ClientID: 3]"},
+        {2, "VXT Error = 'Not implemented' [ClientID: 3]"},
+        {1, "In  InProc ReportErrorMessage(<NULL>'Not implemented')"},
+        {1, "Out InProc ReportErrorMessage()"},
+        {1, "Out InProc_BitDataOperations::AddBitRange(dest = ) ErrorCode = 0x80000004 [ClientID: 3]"}}},
+      {[&] { ops->Randomize(&record, &empty); },
+       {{1, "In  InProc_BitDataOperations::Randomize(bitData = " + held + ") [ClientID: 3]"},
+        {1, "Out InProc_BitDataOperations::Randomize(result = {bitSize = 8 dataHandle = 0x0000000000000003}) "
+            "ErrorCode = 0x00000000 [ClientID: 3]"}}},
+      {[&] { ops->SetRandomSeed(&record, 7); },
+       {{1, "In  InProc_BitDataOperations::SetRandomSeed(bitData = " + held + " seedValue = 7) [ClientID: 3]"},
+        {1, "Out InProc_BitDataOperations::SetRandomSeed() ErrorCode = 0x00000000 [ClientID: 3]"}}},
+      {[&] { ops->Invert(&record, 0, 8, 0xabc); },
+       {{1, "In  InProc_BitDataOperations::Invert(bitData = " + held +
+                " bitOffset = 0 bitSize = 8 value = 0x00000abc) [ClientID: 3]"},
+        {1, "Out InProc_BitDataOperations::Invert() ErrorCode = 0x00000000 [ClientID: 3]"}}},
+  };
+  for (const Case& c : cases) {
+    ClearTrace();
+    c.call();
+    EXPECT_EQ(TraceWithLevels(), c.lines) << c.lines.front().second;
+  }
+}
+
+TEST_F(BitDataOperationsTest, AnUnknownBitwiseOperationIsTracedByItsNumberlessName) {
+  const VXT_BitData record = Make(8);
+  ClearTrace();
+  ops->BitwiseOp(&record, 0, 8, &record, 0, 8, &record, 0, 8, static_cast<VXT_BitwiseOperation>(7));
+  const std::vector<std::string> trace = Trace();
+  ASSERT_FALSE(trace.empty());
+  EXPECT_NE(trace.front().find(" operation = <UNKNOWN>) [ClientID: 3]"), std::string::npos) << trace.front();
+}
+
+}  // namespace
