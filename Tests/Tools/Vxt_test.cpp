@@ -1,32 +1,14 @@
 // The vxt client run as a user runs it: its output and exit status.
-#include <sys/wait.h>
-
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
 #include <string>
+
+#include "VxtRun.h"
 
 namespace {
 
-struct VxtRun {
-  int exitStatus = -1;
-  std::string output;  // stdout and stderr, interleaved
-};
-
-VxtRun RunVxt(const std::string& arguments) {
-  const std::string command = std::string("env -u VXT_LOG_FILE -u VXT_LOG_LEVEL ") + VXT_CLI_PATH + " " + arguments +
-                              " 2>&1";
-  VxtRun run;
-  FILE* pipe = popen(command.c_str(), "r");
-  if (pipe == nullptr) return run;
-  std::array<char, 512> chunk;
-  size_t read = 0;
-  while ((read = fread(chunk.data(), 1, chunk.size(), pipe)) > 0) run.output.append(chunk.data(), read);
-  const int status = pclose(pipe);
-  run.exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return run;
-}
+using vxt::test::RunVxt;
+using vxt::test::VxtRun;
 
 TEST(VxtClient, ConfigsListsDefaultFirstThenTheDirectory) {
   const VxtRun run = RunVxt("configs");
