@@ -214,7 +214,9 @@ TEST_F(CommonTest, ConnectedClientsAreListedInArrivalOrderUpToTheMaximum) {
     ASSERT_EQ(count, listed.ids.size()) << listed.max;
     for (uint32_t index = 0; index < count; ++index) EXPECT_EQ(records[index].clientId, listed.ids[index]);
     EXPECT_EQ(records[listed.max].clientId, 0xEEEEu) << listed.max;
-    if (count > 0) EXPECT_EQ(BytesOf(records[0]), BytesOf(third));
+    if (count > 0) {
+      EXPECT_EQ(BytesOf(records[0]), BytesOf(third));
+    }
   }
   uint32_t count = 99;
   EXPECT_EQ(common_.GetConnectedClients(0, &count, nullptr), 0u);  // Nothing to fill, no array needed
