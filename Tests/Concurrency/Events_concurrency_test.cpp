@@ -1,0 +1,292 @@
+// Event delivery on several threads at once: no lock is held while a
+// subscriber runs, every delivery keeps the subscription order, the lists
+// change safely under deliveries, and subscriptions outlive clients that
+// come and go on many threads.
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <future>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "../../Source/Platform/Events/MessageEvent.h"
+#include "../../Source/Platform/Events/StatePortEvent.h"
+#include "../../Source/Platform/Events/TargetEvents.h"
+#include "InProc_Vxt.h"
+#include "PlatformTestControl.h"
+#include "VxtTestSupport.h"
+
+namespace {
+
+namespace tc = voxtrel::testing;
+namespace ev = voxtrel::platform::events;
+using vxt::test::MakeClient;
+
+// Only guards against a hang: a lock held while a subscriber runs makes
+// the waits below run out instead of blocking the test for ever.
+constexpr auto kDeadlockGuard = std::chrono::seconds(10);
+
+IInternalService_Event& Events() {
+  void* service = nullptr;
+  GetService(nullptr, VXT_Service_Event, &service);
+  return *static_cast<IInternalService_Event*>(service);
+}
+
+void PublishMessage(const char* text) {
+  const ev::MessageEventData kind = ev::MakeMessageEventData(1);
+  tc::PublishBrokerEvent("Message", text, &kind);
+}
+
+// Client 1 connected and the target up, so that the broker and the
+// interface port component deliver; trace rendered but not written, to
+// exercise the handlers' lines under contention.
+class EventsConcurrencyTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    tc::ResetTestControl();
+    tc::SetLogLevel(1);
+    tc::SetLoggingSuppressed(true);
+    ASSERT_EQ(StartNewInstance(&client_, 1, 0, nullptr), 0);
+    ASSERT_EQ(FinishInitialization(), 0);
+  }
+  void TearDown() override {
+    Disconnect(1);
+    tc::ResetTestControl();
+  }
+
+ private:
+  VXT_Client client_ = MakeClient(1, "events_1@here");
+};
+
+// ---- No lock while a subscriber runs -----------------------------------------
+
+struct Rendezvous {
+  std::promise<void> entered;
+  std::promise<void> released;
+  std::atomic<bool> timedOut{false};
+  std::atomic<int> calls{0};
+};
+
+std::atomic<int> othersReached{0};
+
+void Other(const VXT_MessageEvent*, void*) { ++othersReached; }
+void OtherTarget(const VXT_TargetEvent*, void*) { ++othersReached; }
+
+// Changes its own list from inside its callback, then holds the delivery
+// until the test thread, which meanwhile edits and delivers the same list,
+// lets it go.
+void Holding(const VXT_MessageEvent*, void* userData) {
+  auto& rendezvous = *static_cast<Rendezvous*>(userData);
+  if (rendezvous.calls++ > 0) return;  // Only the first delivery holds
+  IInternalService_Event& events = Events();
+  events.SubscribeMessageEvents(&Other, nullptr);
+  events.UnsubscribeMessageEvents(&Other);
+  events.UnsubscribeMessageEvents(&Holding);
+  rendezvous.entered.set_value();
+  if (rendezvous.released.get_future().wait_for(kDeadlockGuard) != std::future_status::ready)
+    rendezvous.timedOut = true;
+}
+
+TEST_F(EventsConcurrencyTest, NoLockIsHeldWhileASubscriberRuns) {
+  Rendezvous rendezvous;
+  IInternalService_Event& events = Events();
+  ASSERT_EQ(events.SubscribeMessageEvents(&Holding, &rendezvous), 0);
+  std::future<void> entered = rendezvous.entered.get_future();
+  std::thread deliverer([] { PublishMessage("held"); });
+
+  if (entered.wait_for(kDeadlockGuard) != std::future_status::ready) {
+    ADD_FAILURE() << "the subscriber never got past changing its own list";
+    std::_Exit(1);  // The delivering thread is stuck for good
+  }
+  // The first delivery is still running: its list, and another, can change
+  // and be delivered to from here.
+  EXPECT_EQ(events.SubscribeMessageEvents(&Other, nullptr), 0);
+  EXPECT_EQ(events.SubscribeTargetEvents(&OtherTarget, nullptr), 0);
+  PublishMessage("meanwhile");
+  EXPECT_EQ(ev::PublishTargetPowerEvent("On", 1), 0u);
+  EXPECT_EQ(othersReached.load(), 2);
+  EXPECT_EQ(events.UnsubscribeMessageEvents(&Other), 0);
+  EXPECT_EQ(events.UnsubscribeTargetEvents(&OtherTarget), 0);
+  rendezvous.released.set_value();
+  deliverer.join();
+
+  EXPECT_FALSE(rendezvous.timedOut.load()) << "a list stayed locked while its subscriber ran";
+  // The holder took itself off before the second event: one call in all.
+  EXPECT_EQ(rendezvous.calls.load(), 1);
+}
+
+// ---- Order and userData on every delivering thread ---------------------------
+
+constexpr int kOrdered = 5;
+std::array<int, kOrdered> userDataSlots{};
+
+// What the subscribers saw on this thread, in call order.
+thread_local std::vector<std::pair<int, void*>> seenOnThisThread;
+
+template <int N>
+void Ordered(const VXT_MessageEvent*, void* userData) {
+  seenOnThisThread.emplace_back(N, userData);
+}
+
+template <int... N>
+void SubscribeOrdered(std::integer_sequence<int, N...>) {
+  (Events().SubscribeMessageEvents(&Ordered<N>, &userDataSlots[N]), ...);
+}
+
+TEST_F(EventsConcurrencyTest, EveryThreadSeesTheSubscribersInOrderWithTheirOwnUserData) {
+  constexpr int kThreads = 4;
+  constexpr int kEvents = 300;
+  SubscribeOrdered(std::make_integer_sequence<int, kOrdered>{});
+
+  std::atomic<int> misordered{0};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&misordered] {
+      for (int i = 0; i < kEvents; ++i) PublishMessage("ordered");
+      if (seenOnThisThread.size() != static_cast<size_t>(kEvents * kOrdered)) ++misordered;
+      for (size_t call = 0; call < seenOnThisThread.size(); ++call) {
+        const int expected = static_cast<int>(call % kOrdered);
+        if (seenOnThisThread[call] != std::pair<int, void*>{expected, &userDataSlots[expected]}) ++misordered;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(misordered.load(), 0);
+}
+
+// ---- Deliveries while other threads subscribe and unsubscribe -----------------
+
+// The stable subscribers, and the order they are seen in on each thread.
+std::atomic<int> firstCalls{0};
+std::atomic<int> lastCalls{0};
+thread_local int lastSeen = 1;  // 0: First, 1: Last
+std::atomic<int> outOfOrder{0};
+
+template <class Record>
+void First(const Record*, void*) {
+  if (lastSeen != 1) ++outOfOrder;
+  lastSeen = 0;
+  ++firstCalls;
+}
+template <class Record>
+void Last(const Record*, void*) {
+  if (lastSeen != 0) ++outOfOrder;
+  lastSeen = 1;
+  ++lastCalls;
+}
+
+// Subscribed and unsubscribed over and over; counted only to be read.
+std::atomic<int> churnCalls{0};
+template <int N, class Record>
+void Churning(const Record*, void*) {
+  ++churnCalls;
+}
+
+template <int N>
+void Churn(IInternalService_Event& events, std::atomic<int>& failures) {
+  const auto fail = [&failures](VXT_Result result) { failures += result != 0; };
+  fail(events.SubscribeTargetEvents(&Churning<N, VXT_TargetEvent>, nullptr));
+  fail(events.SubscribeMessageEvents(&Churning<N, VXT_MessageEvent>, nullptr));
+  fail(events.SubscribeStatePortEvents(&Churning<N, VXT_StatePortEvent>, nullptr));
+  fail(events.SubscribeInterfacePortErrorEvents(&Churning<N, VXT_InterfacePortErrorEvent>, nullptr));
+  fail(events.UnsubscribeTargetEvents(&Churning<N, VXT_TargetEvent>));
+  fail(events.UnsubscribeMessageEvents(&Churning<N, VXT_MessageEvent>));
+  fail(events.UnsubscribeStatePortEvents(&Churning<N, VXT_StatePortEvent>));
+  fail(events.UnsubscribeInterfacePortErrorEvents(&Churning<N, VXT_InterfacePortErrorEvent>));
+}
+
+TEST_F(EventsConcurrencyTest, DeliveriesRunWhileOtherThreadsSubscribeAndUnsubscribe) {
+  constexpr int kPublishers = 2;
+  constexpr int kRounds = 400;
+  constexpr int kListsPerRound = 4;
+  IInternalService_Event& events = Events();
+  ASSERT_EQ(events.SubscribeTargetEvents(&First<VXT_TargetEvent>, nullptr), 0);
+  ASSERT_EQ(events.SubscribeMessageEvents(&First<VXT_MessageEvent>, nullptr), 0);
+  ASSERT_EQ(events.SubscribeStatePortEvents(&First<VXT_StatePortEvent>, nullptr), 0);
+  ASSERT_EQ(events.SubscribeInterfacePortErrorEvents(&First<VXT_InterfacePortErrorEvent>, nullptr), 0);
+  ASSERT_EQ(events.SubscribeTargetEvents(&Last<VXT_TargetEvent>, nullptr), 0);
+  ASSERT_EQ(events.SubscribeMessageEvents(&Last<VXT_MessageEvent>, nullptr), 0);
+  ASSERT_EQ(events.SubscribeStatePortEvents(&Last<VXT_StatePortEvent>, nullptr), 0);
+  ASSERT_EQ(events.SubscribeInterfacePortErrorEvents(&Last<VXT_InterfacePortErrorEvent>, nullptr), 0);
+
+  std::atomic<bool> publishing{true};
+  std::atomic<int> failures{0};
+  std::vector<std::thread> churners;
+  churners.emplace_back([&] {
+    while (publishing) Churn<0>(events, failures);
+  });
+  churners.emplace_back([&] {
+    while (publishing) Churn<1>(events, failures);
+  });
+
+  std::vector<std::thread> publishers;
+  for (int p = 0; p < kPublishers; ++p) {
+    publishers.emplace_back([&failures, p] {
+      for (int round = 0; round < kRounds; ++round) {
+        failures += ev::PublishPowerDomainEvent("On", static_cast<uint32_t>(p), "core") != 0;
+        PublishMessage("churned");
+        failures += ev::PublishStatePortEvent("ValueChanged", 1, "sp", 2, 3, 4) != 0;
+        failures += tc::RaiseInterfacePortError(static_cast<uint32_t>(p), static_cast<uint64_t>(round)) != 0;
+      }
+    });
+  }
+  for (std::thread& publisher : publishers) publisher.join();
+  publishing = false;
+  for (std::thread& churner : churners) churner.join();
+
+  EXPECT_EQ(failures.load(), 0);
+  // The stable subscribers heard every event, first before last.
+  EXPECT_EQ(firstCalls.load(), kPublishers * kRounds * kListsPerRound);
+  EXPECT_EQ(lastCalls.load(), kPublishers * kRounds * kListsPerRound);
+  EXPECT_EQ(outOfOrder.load(), 0);
+}
+
+// ---- Subscriptions outlive clients coming and going on many threads ---------
+
+std::atomic<int> survivorCalls{0};
+void Survivor(const VXT_MessageEvent*, void*) { ++survivorCalls; }
+
+TEST_F(EventsConcurrencyTest, SubscriptionsOutliveClientsComingAndGoingOnManyThreads) {
+  constexpr int kThreads = 4;
+  constexpr int kRounds = 25;
+  ASSERT_EQ(Events().SubscribeMessageEvents(&Survivor, nullptr), 0);
+  ASSERT_EQ(Disconnect(1), 0);  // Every client below may be a first and a last one
+
+  std::atomic<bool> churning{true};
+  std::thread publisher([&churning] {
+    while (churning) PublishMessage("maybe heard");  // Refused while no client is connected
+  });
+  std::atomic<int> failures{0};
+  std::vector<std::thread> clients;
+  for (int t = 0; t < kThreads; ++t) {
+    clients.emplace_back([&failures, t] {
+      const auto id = static_cast<uint32_t>(10 + t);
+      VXT_Client client = MakeClient(id, "churn_" + std::to_string(id) + "@here");
+      for (int round = 0; round < kRounds; ++round) {
+        failures += StartNewInstance(&client, 1, 0, nullptr) != 0;
+        failures += Disconnect(id) != 0;
+      }
+    });
+  }
+  for (std::thread& client : clients) client.join();
+  churning = false;
+  publisher.join();
+  EXPECT_EQ(failures.load(), 0);
+  EXPECT_EQ(IsConnected(), 0u);
+
+  // A new first client: the handlers are subscribed once, and the
+  // subscription left standing hears each event once.
+  VXT_Client client = MakeClient(1, "events_1@here");
+  ASSERT_EQ(StartNewInstance(&client, 1, 0, nullptr), 0);
+  EXPECT_EQ(tc::BrokerSubscriberCount("Message"), 1u);
+  survivorCalls = 0;
+  PublishMessage("heard");
+  EXPECT_EQ(survivorCalls.load(), 1);
+}
+
+}  // namespace
