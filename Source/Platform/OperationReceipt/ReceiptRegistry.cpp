@@ -10,8 +10,8 @@ namespace voxtrel::platform::receipts {
 
 namespace {
 
-// A work that throws fails its operation with the code that the interface
-// library gives to an exception.
+// A work that throws, or finds no thread to run on, fails its operation
+// with the code that the interface library gives to an exception.
 constexpr uint32_t kWorkThrew = 0x20009;
 
 ReceiptStatus StatusOf(const ReceiptOutcome& outcome) {
@@ -57,7 +57,10 @@ uint64_t ReceiptRegistry::Start(ReceiptWork work) {
   const bool runs = static_cast<bool>(work);
   receipt->work = std::move(work);
   const uint64_t token = Enter(receipt);
-  if (runs) workers_.Submit([this, receipt] { Run(receipt); });
+  // Without a worker the operation fails rather than stay pending for ever;
+  // should a worker take the job later, it finds the receipt ended.
+  if (runs && !workers_.Submit([this, receipt] { Run(receipt); }))
+    Finish(token, ReceiptOutcome::Failure(kWorkThrew, "No worker thread could be started for the operation"));
   return token;
 }
 

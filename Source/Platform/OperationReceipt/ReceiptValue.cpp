@@ -20,6 +20,11 @@ ReceiptValue::ReceiptValue() : bits_(Checked(BitData_CreateManaged(0))) {}
 
 ReceiptValue::ReceiptValue(BitData* bits) : bits_(Checked(bits)) {}
 
+const BitData& ReceiptValue::bits() const {
+  static const BitData& noBits = *Checked(BitData_CreateManaged(0));
+  return bits_ ? *bits_ : noBits;
+}
+
 ReceiptValue ReceiptValue::Number(uint64_t value, uint32_t bitSize) {
   return ReceiptValue(BitData_CreateManagedFromUInt64(bitSize, value));
 }

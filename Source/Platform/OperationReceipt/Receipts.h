@@ -54,7 +54,8 @@ class VOXTREL_PLATFORM_API ReceiptValue {
   // A copy of a whole vector, such as a client's.
   static ReceiptValue Copy(const BitData& bits);
 
-  const BitData& bits() const { return *bits_; }
+  // A value that has been moved from reads as a vector of 0 bits.
+  const BitData& bits() const;
 
  private:
   struct FreeBits {
@@ -84,8 +85,9 @@ struct VOXTREL_PLATFORM_API ReceiptOutcome {
 // An operation's work. It runs once, on a worker thread, outside every lock
 // of the registry, and must own everything it reads: the client's buffers
 // and vectors may be gone when it runs. `stop` is requested when a client
-// cancels or destroys the receipt, or the platform unloads; a work that
-// waits should wait on it and then return ReceiptOutcome::Canceled().
+// cancels or destroys the receipt; a work that waits should wait on it and
+// then return ReceiptOutcome::Canceled(). A work that throws fails its
+// operation with 0x20009.
 using ReceiptWork = std::function<ReceiptOutcome(std::stop_token stop)>;
 
 // A receipt whose work runs on a worker thread: "Pending" until a worker

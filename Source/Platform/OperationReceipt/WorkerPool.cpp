@@ -1,10 +1,11 @@
 #include "OperationReceipt/WorkerPool.h"
 
+#include <system_error>
 #include <utility>
 
 namespace voxtrel::platform::receipts {
 
-void WorkerPool::Submit(std::function<void()> job) {
+bool WorkerPool::Submit(std::function<void()> job) {
   bool startWorker = false;
   {
     const std::lock_guard lock(mutex_);
@@ -13,10 +14,19 @@ void WorkerPool::Submit(std::function<void()> job) {
     if (startWorker) ++workers_;
   }
   if (startWorker) {
-    std::thread(&WorkerPool::Work, this).detach();
-  } else {
-    jobAdded_.notify_one();
+    try {
+      std::thread(&WorkerPool::Work, this).detach();
+      return true;
+    } catch (const std::system_error&) {
+      // The system has no thread to spare; the workers there are take the
+      // job in turn.
+      const std::lock_guard lock(mutex_);
+      --workers_;
+      if (workers_ == 0) return false;
+    }
   }
+  jobAdded_.notify_one();
+  return true;
 }
 
 void WorkerPool::Work() {

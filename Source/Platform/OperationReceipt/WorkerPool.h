@@ -22,7 +22,9 @@ class WorkerPool {
   WorkerPool(const WorkerPool&) = delete;
   WorkerPool& operator=(const WorkerPool&) = delete;
 
-  void Submit(std::function<void()> job);
+  // False when no worker is there to run the job and none could be
+  // started; the job then stays queued for a worker started later.
+  bool Submit(std::function<void()> job);
 
  private:
   void Work();
