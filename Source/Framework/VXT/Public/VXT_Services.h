@@ -5,3 +5,4 @@
 #include "IInternalService_BitData.h"
 #include "IInternalService_BitDataOperations.h"
 #include "IInternalService_General.h"
+#include "IInternalService_OperationReceipt.h"

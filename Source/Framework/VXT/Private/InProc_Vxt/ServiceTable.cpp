@@ -4,6 +4,7 @@
 #include "InProc_BitData.h"
 #include "InProc_BitDataOperations.h"
 #include "InProc_General.h"
+#include "InProc_OperationReceipt.h"
 #include "VXT_ServiceIds.h"
 
 namespace vxt {
@@ -18,6 +19,8 @@ void* FindService(uint32_t serviceId) {
       return static_cast<IInternalService_Event*>(&InProc_Event::Instance());
     case VXT_Service_General:
       return static_cast<IInternalService_General*>(&InProc_General::Instance());
+    case VXT_Service_OperationReceipt:
+      return static_cast<IInternalService_OperationReceipt*>(&InProc_OperationReceipt::Instance());
     default:
       return nullptr;
   }
