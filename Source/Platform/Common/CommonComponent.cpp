@@ -12,6 +12,7 @@
 #include "Support/ComponentCall.h"
 #include "Target/CallArguments.h"
 #include "Target/PostFailure.h"
+#include "TargetManager/DeviceQueries.h"
 
 namespace voxtrel::platform::common {
 
@@ -52,6 +53,8 @@ uint32_t UnregisterClient(uint32_t clientId) {
   VOXTREL_COMPONENT_CALL("Common.UnregisterClient", "clientId=", clientId);
   const std::optional<VXT_Client> removed = ClientRegistry::Instance().Unregister(clientId);
   if (!removed) return kUnknownClient;
+  // A client's locks go with its last registration.
+  if (!ClientRegistry::Instance().Find(clientId)) target_manager::ReleaseLocksOfDepartedClient(clientId);
   events::PublishClientEvent(events::kClientDisconnected, *removed);
   return 0;
 }

@@ -23,6 +23,32 @@ bool LiveTopology::SetEnabled(uint32_t deviceId, bool enabled) {
   return true;
 }
 
+bool LiveTopology::IsEffectivelyEnabled(uint32_t deviceId) const {
+  for (const Node* node = layout_->Find(deviceId); node != nullptr; node = layout_->Find(node->parentId)) {
+    if (!IsEnabled(node->id).value_or(false)) return false;
+    if (node->parentId == 0) return true;
+  }
+  return false;
+}
+
+std::optional<std::vector<TapControllerSpecification>> LiveTopology::SpecifiedTapControllers(
+    uint32_t jtagChainId) const {
+  std::lock_guard lock(specifiedMutex_);
+  const auto found = specified_.find(jtagChainId);
+  if (found == specified_.end()) return std::nullopt;
+  return found->second;
+}
+
+void LiveTopology::SpecifyTapControllers(uint32_t jtagChainId, std::vector<TapControllerSpecification> tapControllers) {
+  std::lock_guard lock(specifiedMutex_);
+  specified_[jtagChainId] = std::move(tapControllers);
+}
+
+bool LiveTopology::ForgetSpecifiedTapControllers(uint32_t jtagChainId) {
+  std::lock_guard lock(specifiedMutex_);
+  return specified_.erase(jtagChainId) > 0;
+}
+
 namespace {
 
 std::shared_ptr<const Selection> ParseSelection(DescriptionOrigin origin, std::string text, ParameterValues values,
@@ -122,6 +148,7 @@ bool TargetModel::CancelDynamicInitialization() {
 
 void TargetModel::Uninitialize() {
   std::lock_guard lock(mutex_);
+  if (live_) live_->Locks().Retire();
   live_.reset();
   phase_ = TargetPhase::Idle;
   dynamicInitializationRunning_ = false;
@@ -144,6 +171,7 @@ std::shared_ptr<LiveTopology> TargetModel::Topology() const {
 
 void TargetModel::Reset() {
   std::lock_guard lock(mutex_);
+  if (live_) live_->Locks().Retire();
   selection_.reset();
   live_.reset();
   phase_ = TargetPhase::Idle;

@@ -6,31 +6,59 @@
 
 #include <atomic>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "DeviceLocks.h"
 #include "Failure.h"
 #include "TargetDescription.h"
 #include "Topology.h"
 
 namespace voxtrel::platform::target {
 
-// A built topology with what changes while the target runs.
+// A TAP controller as a client declares it on a JTAG chain.
+struct TapControllerSpecification {
+  std::string deviceType;
+  std::string deviceSubType;
+  std::string stepping;
+  uint32_t irLength = 0;
+
+  friend bool operator==(const TapControllerSpecification&, const TapControllerSpecification&) = default;
+};
+
+// A built topology with what changes while the target runs: the devices'
+// own enabled flags, their locks, and the TAP controllers clients declared.
 class VOXTREL_PLATFORM_API LiveTopology {
  public:
   explicit LiveTopology(std::shared_ptr<const Topology> layout);
 
   const Topology& Layout() const { return *layout_; }
-  // Empty for an unknown device.
+  // The device's own flag; empty for an unknown device.
   std::optional<bool> IsEnabled(uint32_t deviceId) const;
   // False for an unknown device.
   bool SetEnabled(uint32_t deviceId, bool enabled);
+  // The device and every ancestor enabled: a disabled device disables
+  // everything beneath it. False for an unknown device.
+  bool IsEffectivelyEnabled(uint32_t deviceId) const;
+
+  DeviceLocks& Locks() { return locks_; }
+
+  // The TAP controllers last declared for a chain; empty when none are.
+  std::optional<std::vector<TapControllerSpecification>> SpecifiedTapControllers(uint32_t jtagChainId) const;
+  void SpecifyTapControllers(uint32_t jtagChainId, std::vector<TapControllerSpecification> tapControllers);
+  // True when the chain had a declaration.
+  bool ForgetSpecifiedTapControllers(uint32_t jtagChainId);
 
  private:
   std::shared_ptr<const Topology> layout_;
   std::unique_ptr<std::atomic<bool>[]> enabled_;
+  DeviceLocks locks_;
+  mutable std::mutex specifiedMutex_;
+  std::map<uint32_t, std::vector<TapControllerSpecification>> specified_;
 };
 
 // A selected description: its text is kept so that new parameter values can
@@ -74,7 +102,8 @@ class VOXTREL_PLATFORM_API TargetModel {
   Outcome BeginDynamicInitialization();
   // True if one was running.
   bool CancelDynamicInitialization();
-  // Drops the topology; the selection stays for the next FinishInitialization.
+  // Drops the topology, and with it every lock: waiting lock requests end.
+  // The selection stays for the next FinishInitialization.
   void Uninitialize();
 
   TargetPhase Phase() const;

@@ -4,6 +4,7 @@
 #include "Target/PostFailure.h"
 #include "Target/TargetModel.h"
 #include "TargetManager.h"
+#include "TargetManager/DeviceQueries.h"
 #include "TargetManager/TopologyEvents.h"
 
 namespace voxtrel::platform::target_manager {
@@ -50,8 +51,41 @@ uint32_t Uninitialize() {
 }
 
 constexpr TargetManagerComponent kTargetManager{
-    &StartInitialization,         &FinishInitialization, &BeginDynamicInitialization,
-    &CancelDynamicInitialization, &Uninitialize,
+    &StartInitialization,
+    &FinishInitialization,
+    &BeginDynamicInitialization,
+    &CancelDynamicInitialization,
+    &Uninitialize,
+    &GetNumTargetDomainDeviceIds,
+    &GetTargetDomainDeviceIds,
+    &GetNumDeviceIdsOfTypes,
+    &GetDeviceIdsOfTypes,
+    &GetParentIdForDevice,
+    &GetNumChildrenIds,
+    &GetChildrenIds,
+    &GetAncestorIdForType,
+    &GetNumDescendantIdsForType,
+    &GetDescendantIdsForType,
+    &GetNodeType,
+    &GetIdentifierForDeviceId,
+    &GetDeviceIdForIdentifier,
+    &GetDebugportIdForDevice,
+    &GetNumDevicePropertyNames,
+    &GetDevicePropertyNames,
+    &GetDeviceProperty,
+    &Lock,
+    &LockMany,
+    &Unlock,
+    &BreakLock,
+    &GetLockingClient,
+    &UpdateTopology,
+    &GetNumDeviceIdsInCoreGroup,
+    &GetDeviceIdsInCoreGroup,
+    &GetCoreGroupIdForDevice,
+    &GetDeviceProperties,
+    &SpecifyTopology,
+    &SetDeviceEnabled,
+    &IsDeviceEnabled,
 };
 
 }  // namespace

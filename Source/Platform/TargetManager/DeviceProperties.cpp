@@ -1,0 +1,85 @@
+// The named properties of devices, as the description gives them.
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Support/ComponentCall.h"
+#include "TargetManager/DeviceQueries.h"
+#include "TargetManager/Request.h"
+
+namespace voxtrel::platform::target_manager {
+
+using target::Node;
+
+namespace {
+
+// A caller's name, read no further than a name buffer: a longer text names
+// no property anyway.
+std::string_view NameText(const char* name) { return {name, strnlen(name, VXT_PROPERTY_NAME_SIZE)}; }
+
+const std::string* FindOrRefuse(Request& request, const Node& device, std::string_view name) {
+  const std::string* value = device.FindProperty(name);
+  if (value == nullptr)
+    request.Refuse(kValueOutOfRange, " finds no property '" + std::string(name) + "' on device " + DeviceName(device));
+  return value;
+}
+
+}  // namespace
+
+uint32_t GetNumDevicePropertyNames(uint32_t deviceId, uint32_t* propertyNameCount) {
+  VOXTREL_COMPONENT_CALL("TargetManager.GetNumDevicePropertyNames", "deviceId=", HexId(deviceId));
+  Request request("TargetManager.GetNumDevicePropertyNames");
+  const Node* device = request.NotNull(propertyNameCount, "propertyNameCount").Device(deviceId);
+  if (device == nullptr) return request.code();
+  *propertyNameCount = static_cast<uint32_t>(device->properties.size());
+  return 0;
+}
+
+uint32_t GetDevicePropertyNames(uint32_t deviceId, uint32_t maxPropertyNames, VXT_PropertyName* propertyNames) {
+  VOXTREL_COMPONENT_CALL("TargetManager.GetDevicePropertyNames", "deviceId=", HexId(deviceId),
+                         ", maxPropertyNames=", maxPropertyNames);
+  Request request("TargetManager.GetDevicePropertyNames");
+  const Node* device = request.NotNull(propertyNames, "propertyNames").Device(deviceId);
+  if (device == nullptr) return request.code();
+  for (uint32_t index = 0; index < maxPropertyNames; ++index) {
+    const std::string name = index < device->properties.size() ? device->properties[index].name : std::string();
+    std::memset(propertyNames[index], 0, VXT_PROPERTY_NAME_SIZE);
+    CopyText(name, propertyNames[index], VXT_PROPERTY_NAME_SIZE);
+  }
+  return 0;
+}
+
+uint32_t GetDeviceProperty(uint32_t deviceId, const char* propertyName, char* propertyValue) {
+  VOXTREL_COMPONENT_CALL("TargetManager.GetDeviceProperty", "deviceId=", HexId(deviceId), ", propertyName=",
+                         propertyName ? "\"" + std::string(NameText(propertyName)) + "\"" : "<NULL>");
+  Request request("TargetManager.GetDeviceProperty");
+  const Node* device =
+      request.NotNull(propertyName, "propertyName").NotNull(propertyValue, "propertyValue").Device(deviceId);
+  if (device == nullptr) return request.code();
+  const std::string* value = FindOrRefuse(request, *device, NameText(propertyName));
+  if (value == nullptr) return request.code();
+  CopyText(*value, propertyValue, VXT_PROPERTY_VALUE_SIZE);
+  return 0;
+}
+
+uint32_t GetDeviceProperties(uint32_t deviceId, uint32_t propertyNameCount, const VXT_PropertyName* propertyNames,
+                             VXT_PropertyValue* propertyValues) {
+  VOXTREL_COMPONENT_CALL("TargetManager.GetDeviceProperties", "deviceId=", HexId(deviceId),
+                         ", propertyNameCount=", propertyNameCount);
+  Request request("TargetManager.GetDeviceProperties");
+  const Node* device =
+      request.NotNull(propertyNames, "propertyNames").NotNull(propertyValues, "propertyValues").Device(deviceId);
+  if (device == nullptr) return request.code();
+  std::vector<const std::string*> values;
+  for (uint32_t index = 0; index < propertyNameCount; ++index) {
+    const std::string* value = FindOrRefuse(request, *device, NameText(propertyNames[index]));
+    if (value == nullptr) return request.code();
+    values.push_back(value);
+  }
+  for (uint32_t index = 0; index < propertyNameCount; ++index)
+    CopyText(*values[index], propertyValues[index], VXT_PROPERTY_VALUE_SIZE);
+  return 0;
+}
+
+}  // namespace voxtrel::platform::target_manager
