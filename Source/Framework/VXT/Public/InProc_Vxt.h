@@ -13,4 +13,5 @@
 #include "VXT_Records.h"
 #include "VXT_ServiceIds.h"
 #include "VXT_Services.h"
+#include "VXT_Topology.h"
 #include "VXT_Version.h"

@@ -4,5 +4,6 @@
 #include "IInternalService_Event.h"
 #include "IInternalService_BitData.h"
 #include "IInternalService_BitDataOperations.h"
+#include "IInternalService_Device.h"
 #include "IInternalService_General.h"
 #include "IInternalService_OperationReceipt.h"

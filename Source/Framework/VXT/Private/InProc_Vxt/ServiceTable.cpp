@@ -3,6 +3,7 @@
 #include "InProc_Event.h"
 #include "InProc_BitData.h"
 #include "InProc_BitDataOperations.h"
+#include "InProc_Device.h"
 #include "InProc_General.h"
 #include "InProc_OperationReceipt.h"
 #include "VXT_ServiceIds.h"
@@ -15,6 +16,8 @@ void* FindService(uint32_t serviceId) {
       return static_cast<IInternalService_BitData*>(&InProc_BitData::Instance());
     case VXT_Service_BitDataOperations:
       return static_cast<IInternalService_BitDataOperations*>(&InProc_BitDataOperations::Instance());
+    case VXT_Service_Device:
+      return static_cast<IInternalService_Device*>(&InProc_Device::Instance());
     case VXT_Service_Event:
       return static_cast<IInternalService_Event*>(&InProc_Event::Instance());
     case VXT_Service_General:
