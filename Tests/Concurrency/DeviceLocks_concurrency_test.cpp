@@ -1,0 +1,164 @@
+// Device locks under contention: two clients, each on several threads,
+// take and release the same devices; a lock awaited for ever is handed over
+// when another client breaks the holder's lock.
+#include <atomic>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "InProc_Vxt.h"
+#include "PlatformTestControl.h"
+#include "VxtTestSupport.h"
+
+namespace {
+
+namespace tc = voxtrel::testing;
+using vxt::test::MakeClient;
+
+constexpr uint32_t kCore0 = 0x04000000;
+constexpr uint32_t kCore1 = 0x04000001;
+constexpr uint32_t kUncore = 0x05000000;
+
+template <class Service>
+Service& Get(uint32_t serviceId) {
+  void* service = nullptr;
+  EXPECT_EQ(GetService(nullptr, serviceId, &service), 0);
+  return *static_cast<Service*>(service);
+}
+
+class DeviceLocksConcurrencyTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    tc::ResetTestControl();
+    tc::SetLogLevel(1);  // Render every line, to exercise it under contention
+    tc::SetLoggingSuppressed(true);
+    for (VXT_Client& client : clients_) ASSERT_EQ(StartNewInstance(&client, 1, 0, nullptr), 0);
+    ASSERT_EQ(FinishInitialization(), 0);
+  }
+  void TearDown() override {
+    for (VXT_Client& client : clients_) Disconnect(client.clientId);
+    tc::ResetTestControl();
+  }
+
+  // Waits for the token's operation to end; its status. The token is ended.
+  VXT_OperationStatus Outcome(uint64_t token) {
+    auto status = static_cast<VXT_OperationStatus>(99);
+    EXPECT_EQ(receipts_.Flush(token), 0);
+    EXPECT_EQ(receipts_.GetOperationStatus(token, &status), 0);
+    EXPECT_EQ(receipts_.Destroy(token), 0);
+    return status;
+  }
+  std::string Holder(uint32_t deviceId) {
+    char identifier[VXT_CLIENT_TEXT_SIZE] = "";
+    EXPECT_EQ(devices_.GetLockingClient(deviceId, identifier), 0);
+    return identifier;
+  }
+
+  VXT_Client clients_[2] = {MakeClient(1, "alpha_1@here"), MakeClient(2, "beta_2@here")};
+  IInternalService_Device& devices_ = Get<IInternalService_Device>(VXT_Service_Device);
+  IInternalService_OperationReceipt& receipts_ = Get<IInternalService_OperationReceipt>(VXT_Service_OperationReceipt);
+};
+
+// The threads of one client take turns among themselves (a client's locks
+// are shared by its threads); the two clients contend. Whoever holds the
+// devices must be the only one inside.
+TEST_F(DeviceLocksConcurrencyTest, TwoClientsNeverHoldTheSameDevicesAtOnce) {
+  constexpr int kThreadsPerClient = 3;
+  constexpr int kRounds = 60;
+  const uint32_t sets[2][2] = {{kCore0, kCore1}, {kCore1, kUncore}};
+  std::mutex turns[2];
+  std::atomic<uint32_t> inside{0};
+  std::atomic<int> overlaps{0};
+  std::atomic<int> failures{0};
+  std::vector<std::thread> threads;
+  for (int client = 0; client < 2; ++client) {
+    for (int thread = 0; thread < kThreadsPerClient; ++thread) {
+      threads.emplace_back([&, client] {
+        const uint32_t clientId = clients_[client].clientId;
+        if (!tc::BindThreadToClient(static_cast<int32_t>(clientId))) ++failures;
+        for (int round = 0; round < kRounds; ++round) {
+          std::lock_guard turn(turns[client]);
+          uint64_t token = 0;
+          // Both clients want Core1; each also wants a device of its own.
+          const uint32_t* wanted = sets[(client + round) % 2];
+          if (devices_.LockMany(wanted, 2, 10000, &token) != 0 || Outcome(token) != VXT_OperationStatus_Completed) {
+            ++failures;
+            continue;
+          }
+          if (inside.exchange(clientId) != 0) ++overlaps;
+          if (Holder(kCore1) != clients_[client].identifier) ++overlaps;
+          inside.store(0);
+          if (devices_.Unlock(&token) != 0 || Outcome(token) != VXT_OperationStatus_Completed) ++failures;
+        }
+      });
+    }
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(overlaps, 0);
+  EXPECT_EQ(failures, 0);
+  EXPECT_EQ(Holder(kCore0), "");
+  EXPECT_EQ(Holder(kCore1), "");
+}
+
+TEST_F(DeviceLocksConcurrencyTest, ABrokenLockGoesToTheClientWaitingForEver) {
+  // This thread acts for client 2, which connected last.
+  uint64_t held = 0;
+  ASSERT_EQ(devices_.Lock(kCore0, 0, &held), 0);
+  ASSERT_EQ(Outcome(held), VXT_OperationStatus_Completed);
+
+  std::atomic<uint64_t> waiting{0};
+  std::atomic<int> status{-1};
+  std::thread waiter([&] {
+    uint64_t token = 0;
+    if (!tc::BindThreadToClient(1) || devices_.Lock(kCore0, VXT_INFINITE_TIMEOUT, &token) != 0) {
+      waiting = ~uint64_t{0};
+      return;
+    }
+    waiting = token;
+    status = static_cast<int>(Outcome(token));  // Blocks until the lock is handed over
+  });
+  while (waiting == 0) std::this_thread::yield();
+  ASSERT_NE(waiting, ~uint64_t{0});
+  EXPECT_EQ(status, -1);
+  EXPECT_EQ(Holder(kCore0), "beta_2@here");
+
+  uint32_t broke = 0;
+  ASSERT_EQ(devices_.BreakLock(kCore0, &broke), 0);
+  EXPECT_EQ(broke, 1u);
+  waiter.join();
+  EXPECT_EQ(status, static_cast<int>(VXT_OperationStatus_Completed));
+  EXPECT_EQ(Holder(kCore0), "alpha_1@here");
+}
+
+// Waiters of one client share what they wait for: one break lets all of
+// them through at once.
+TEST_F(DeviceLocksConcurrencyTest, AllWaitersOfOneClientShareTheBrokenLock) {
+  constexpr int kWaiters = 4;
+  uint64_t held = 0;
+  ASSERT_EQ(devices_.Lock(kUncore, 0, &held), 0);  // Client 2 holds it
+  ASSERT_EQ(Outcome(held), VXT_OperationStatus_Completed);
+  std::atomic<int> completed{0};
+  std::atomic<int> started{0};
+  std::vector<std::thread> waiters;
+  for (int index = 0; index < kWaiters; ++index) {
+    waiters.emplace_back([&] {
+      EXPECT_TRUE(tc::BindThreadToClient(1));
+      uint64_t token = 0;
+      EXPECT_EQ(devices_.Lock(kUncore, VXT_INFINITE_TIMEOUT, &token), 0);
+      ++started;
+      if (Outcome(token) == VXT_OperationStatus_Completed) ++completed;
+    });
+  }
+  while (started < kWaiters) std::this_thread::yield();
+  uint32_t broke = 0;
+  ASSERT_EQ(devices_.BreakLock(kUncore, &broke), 0);
+  for (std::thread& waiter : waiters) waiter.join();
+  EXPECT_EQ(broke, 1u);
+  EXPECT_EQ(completed, kWaiters);
+  EXPECT_EQ(Holder(kUncore), "alpha_1@here");
+}
+
+}  // namespace

@@ -1,0 +1,255 @@
+// The default target walked from the root through the Device service, and
+// the same tree read from the description file by the rules of the target
+// description format: both must name the same devices in the same order,
+// with the same types, identifiers, properties and enabled flags.
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "DeviceTestSupport.h"
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+using Lines = std::vector<std::string>;
+
+// One line per device, indented by depth:
+// "  LogicalCore Core0 enabled {Socket=0}"
+std::string DeviceLine(size_t depth, const std::string& type, const std::string& identifier, bool enabled,
+                       const std::vector<std::pair<std::string, std::string>>& properties) {
+  std::string line(2 * depth, ' ');
+  line += type + " " + identifier + (enabled ? " enabled" : " disabled") + " {";
+  for (size_t index = 0; index < properties.size(); ++index)
+    line += (index ? ", " : "") + properties[index].first + "=" + properties[index].second;
+  return line + "}";
+}
+
+// The tree as the description declares it.
+class DescribedTree {
+ public:
+  explicit DescribedTree(const Json& document) {
+    if (document.contains("parameters"))
+      for (const auto& [name, value] : document["parameters"].items()) parameters_[name] = value.get<std::string>();
+    lines_.push_back(DeviceLine(0, "LogicalRoot", "Root", true, {}));
+    size_t domainNumber = 0;
+    for (const Json& domain : document["targetDomains"]) AddDomain(domain, domainNumber++);
+  }
+  const Lines& lines() const { return lines_; }
+
+ private:
+  struct Counters {
+    std::map<std::string, size_t> byKind;
+    size_t Next(const std::string& kind) { return byKind[kind]++; }
+  };
+
+  std::string Substituted(std::string text) const {
+    for (const auto& [name, value] : parameters_) {
+      const std::string placeholder = "${" + name + "}";
+      for (size_t at = text.find(placeholder); at != std::string::npos; at = text.find(placeholder))
+        text.replace(at, placeholder.size(), value);
+    }
+    return text;
+  }
+
+  std::string Identifier(const Json& object, const std::string& givenName) const {
+    return object.contains("identifier") ? Substituted(object["identifier"].get<std::string>()) : givenName;
+  }
+
+  void Add(size_t depth, const std::string& type, const Json& object, const std::string& identifier, bool parentEnabled,
+           bool& enabled) {
+    enabled = parentEnabled && object.value("enabled", true);
+    std::vector<std::pair<std::string, std::string>> properties;
+    if (object.contains("properties"))
+      for (const auto& [name, value] : object["properties"].items())
+        properties.emplace_back(name, value.is_string() ? Substituted(value.get<std::string>()) : value.dump());
+    lines_.push_back(DeviceLine(depth, type, identifier, enabled, properties));
+  }
+
+  void AddDomain(const Json& domain, size_t number) {
+    Counters counters;
+    bool enabled = true;
+    Add(1, "TargetDomain", domain, Identifier(domain, "TargetDomain" + std::to_string(number)), true, enabled);
+    bool hasCores = false;
+    for (const Json& package : domain.value("packages", Json::array())) {
+      bool packageEnabled = true;
+      Add(2, "LogicalPackage", package, Identifier(package, "Package" + std::to_string(counters.Next("Package"))),
+          enabled, packageEnabled);
+      for (const Json& die : package.value("dies", Json::array())) {
+        bool dieEnabled = true;
+        Add(3, "LogicalDie", die, Identifier(die, "Die" + std::to_string(counters.Next("Die"))), packageEnabled,
+            dieEnabled);
+        hasCores |= AddCoresAndUncores(die, 4, dieEnabled, counters);
+      }
+      hasCores |= AddCoresAndUncores(package, 3, packageEnabled, counters);
+    }
+    for (const Json& chipset : domain.value("chipsets", Json::array())) {
+      bool unused = true;
+      Add(2, "LogicalChipset", chipset, Identifier(chipset, "Chipset" + std::to_string(counters.Next("Chipset"))),
+          enabled, unused);
+    }
+    for (const Json& port : domain.value("debugPorts", Json::array())) AddDebugPort(port, enabled, counters);
+    if (domain.contains("coreGroups")) {
+      for (const Json& group : domain["coreGroups"]) {
+        bool unused = true;
+        Add(2, "LogicalGroupCore", group, Identifier(group, "CoreGroup" + std::to_string(counters.Next("CoreGroup"))),
+            enabled, unused);
+      }
+    } else if (hasCores) {
+      lines_.push_back(DeviceLine(2, "LogicalGroupCore", "CoreGroup0", enabled, {}));
+    }
+  }
+
+  bool AddCoresAndUncores(const Json& parent, size_t depth, bool parentEnabled, Counters& counters) {
+    bool any = false;
+    for (const Json& core : parent.value("cores", Json::array())) {
+      for (size_t copy = 0; copy < core.value("count", 1u); ++copy) {
+        any = true;
+        const size_t coreNumber = counters.Next("Core");
+        bool coreEnabled = true;
+        Add(depth, "LogicalCore", core, Identifier(core, "Core" + std::to_string(coreNumber)), parentEnabled,
+            coreEnabled);
+        const Json threads = core.value("threads", Json(1));
+        const size_t threadCount = threads.is_array() ? threads.size() : threads.get<size_t>();
+        for (size_t thread = 0; thread < threadCount; ++thread) {
+          const Json object = threads.is_array() ? threads[thread] : Json::object();
+          bool unused = true;
+          Add(depth + 1, "LogicalThread", object,
+              Identifier(object, "Thread" + std::to_string(coreNumber) + "_" + std::to_string(thread)), coreEnabled,
+              unused);
+        }
+      }
+    }
+    for (const Json& uncore : parent.value("uncores", Json::array())) {
+      bool unused = true;
+      Add(depth, "LogicalUncore", uncore, Identifier(uncore, "Uncore" + std::to_string(counters.Next("Uncore"))),
+          parentEnabled, unused);
+    }
+    return any;
+  }
+
+  void AddDebugPort(const Json& port, bool domainEnabled, Counters& counters) {
+    bool enabled = true;
+    Add(2, "Debugport", port, Identifier(port, "DebugPort" + std::to_string(counters.Next("DebugPort"))), domainEnabled,
+        enabled);
+    for (const Json& chain : port.value("jtagChains", Json::array())) {
+      bool chainEnabled = true;
+      Add(3, "JTAGScanChain", chain, Identifier(chain, "JtagChain" + std::to_string(counters.Next("JtagChain"))),
+          enabled, chainEnabled);
+      for (const Json& tap : chain["tapControllers"]) {
+        bool unused = true;
+        Add(4, "TAPController", tap, Identifier(tap, "Tap" + std::to_string(counters.Next("Tap"))), chainEnabled,
+            unused);
+      }
+    }
+    const std::pair<const char*, std::pair<const char*, const char*>> leaves[] = {
+        {"i2cBuses", {"I2cBus", "I2cBus"}},
+        {"pinsInterfaces", {"PinsInterface", "Pins"}},
+        {"interfacePorts", {"InterfacePort", "InterfacePort"}},
+    };
+    for (const auto& [member, kind] : leaves) {
+      for (const Json& leaf : port.value(member, Json::array())) {
+        bool unused = true;
+        Add(3, kind.first, leaf, Identifier(leaf, kind.second + std::to_string(counters.Next(kind.second))), enabled,
+            unused);
+      }
+    }
+  }
+
+  std::map<std::string, std::string> parameters_;
+  Lines lines_;
+};
+
+class DeviceTopologyWalkTest : public vxt::test::DeviceTest {
+ protected:
+  std::vector<uint32_t> Children(uint32_t deviceId) {
+    uint32_t count = 0;
+    EXPECT_EQ(devices->GetNumChildrenIds(deviceId, &count), 0);
+    std::vector<uint32_t> ids(count + 1);
+    EXPECT_EQ(devices->GetChildrenIds(deviceId, count, ids.data()), 0);
+    ids.pop_back();
+    return ids;
+  }
+
+  std::vector<std::pair<std::string, std::string>> Properties(uint32_t deviceId) {
+    uint32_t count = 0;
+    EXPECT_EQ(devices->GetNumDevicePropertyNames(deviceId, &count), 0);
+    std::vector<VXT_PropertyName> names(count + 1);
+    std::vector<VXT_PropertyValue> values(count + 1);
+    EXPECT_EQ(devices->GetDevicePropertyNames(deviceId, count, names.data()), 0);
+    EXPECT_EQ(devices->GetDeviceProperties(deviceId, count, names.data(), values.data()), 0);
+    std::vector<std::pair<std::string, std::string>> properties;
+    for (uint32_t index = 0; index < count; ++index) properties.emplace_back(names[index], values[index]);
+    return properties;
+  }
+
+  // Walks depth first, checking each child's way back to its parent and
+  // its identifier's way to its id.
+  void Walk(uint32_t deviceId, uint32_t targetDomainId, size_t depth, Lines& lines) {
+    VXT_Device device{};
+    device.structureSize = VXT_DEVICE_SIZE;
+    ASSERT_EQ(devices->GetDevice(deviceId, &device), 0);
+    uint32_t enabled = 0;
+    ASSERT_EQ(devices->IsDeviceEnabled(deviceId, &enabled), 0);
+    char typeName[32] = "";
+    static const char* const kNames[] = {
+        "Unknown",       "LogicalRoot",    "TargetDomain",       "LogicalThread",
+        "LogicalCore",   "LogicalUncore",  "LogicalChipset",     "LogicalBox",
+        "LogicalDie",    "LogicalPackage", "LogicalGroupDomain", "LogicalGroupCore",
+        "Debugport",     "JTAGScanChain",  "TAPController",      "InterfacePort",
+        "LogicalModule", "I2cBus",         "PinsInterface",      "VirtualJTAGScanChain"};
+    ASSERT_LT(device.nodeType, 20u);
+    std::snprintf(typeName, sizeof typeName, "%s", kNames[device.nodeType]);
+    lines.push_back(DeviceLine(depth, typeName, device.identifier, enabled == 1, Properties(deviceId)));
+
+    if (device.nodeType == VXT_NodeType_TargetDomain) targetDomainId = deviceId;
+    uint32_t found = 0;
+    if (targetDomainId != 0) {
+      EXPECT_EQ(devices->GetDeviceIdForIdentifier(targetDomainId, device.identifier, &found), 0);
+      EXPECT_EQ(found, deviceId) << device.identifier;
+    }
+    for (uint32_t childId : Children(deviceId)) {
+      uint32_t parentId = 0;
+      EXPECT_EQ(devices->GetParentIdForDevice(childId, &parentId), 0);
+      EXPECT_EQ(parentId, deviceId);
+      Walk(childId, targetDomainId, depth + 1, lines);
+    }
+  }
+};
+
+// Each sample description, walked after the client selected it.
+TEST_F(DeviceTopologyWalkTest, EachTargetIsItsDescriptionFile) {
+  const std::pair<const char*, size_t> configurations[] = {
+      {"Default", 19}, {"TwoSocketServer", 43}, {"HostWithBmc", 28}};
+  for (const auto& [configuration, deviceCount] : configurations) {
+    SCOPED_TRACE(configuration);
+    Disconnect(client.clientId);
+    ASSERT_EQ(StartNewInstance(&client, 1, 0, nullptr), 0);
+    ASSERT_EQ(SelectConfigurationByName(configuration), 0);
+    ASSERT_EQ(FinishInitialization(), 0);
+
+    std::ifstream file(std::string(VXT_TEST_CONFIGURATIONS_DIR "/") + configuration + ".json");
+    ASSERT_TRUE(file.is_open());
+    const DescribedTree described(Json::parse(file));
+
+    uint32_t domainCount = 0;
+    ASSERT_EQ(devices->GetNumTargetDomainDeviceIds(&domainCount), 0);
+    ASSERT_GT(domainCount, 0u);
+    std::vector<uint32_t> domains(domainCount);
+    ASSERT_EQ(devices->GetTargetDomainDeviceIds(domainCount, domains.data()), 0);
+    uint32_t root = 0;
+    ASSERT_EQ(devices->GetParentIdForDevice(domains[0], &root), 0);
+    EXPECT_EQ(Children(root), domains);
+
+    Lines walked;
+    Walk(root, 0, 0, walked);
+    EXPECT_EQ(walked, described.lines());
+    EXPECT_EQ(walked.size(), deviceCount);
+  }
+}
+
+}  // namespace
