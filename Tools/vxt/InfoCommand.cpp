@@ -18,6 +18,40 @@ std::vector<std::string> LoggingPresets(IInternalService_General& general) {
   return {names.begin(), names.end()};
 }
 
+// "packages: 2, cores: 4, threads: 8, ...": what the domain holds.
+std::string DomainContents(IInternalService_Device& device, uint32_t domainId) {
+  struct Kind {
+    VXT_NodeType type;
+    const char* name;
+  };
+  const Kind kinds[] = {{VXT_NodeType_LogicalPackage, "packages"},
+                        {VXT_NodeType_LogicalCore, "cores"},
+                        {VXT_NodeType_LogicalThread, "threads"},
+                        {VXT_NodeType_TAPController, "TAP controllers"}};
+  std::string contents;
+  for (const Kind& kind : kinds) {
+    uint32_t count = 0;
+    Check(device.GetNumDescendantIdsForType(domainId, kind.type, 0, &count), "GetNumDescendantIdsForType");
+    contents += (contents.empty() ? "" : ", ") + std::string(kind.name) + ": " + std::to_string(count);
+  }
+  return contents;
+}
+
+void ShowTarget(Session& session, std::ostream& out) {
+  auto& device = session.Get<IInternalService_Device>(VXT_Service_Device);
+  uint32_t count = 0;
+  Check(device.GetNumTargetDomainDeviceIds(&count), "GetNumTargetDomainDeviceIds");
+  std::vector<uint32_t> domains(count);
+  if (count > 0) Check(device.GetTargetDomainDeviceIds(count, domains.data()), "GetTargetDomainDeviceIds");
+  out << "Target domains:   " << count << '\n';
+  for (const uint32_t domainId : domains) {
+    char identifier[VXT_DEVICE_IDENTIFIER_SIZE] = "";
+    Check(device.GetIdentifierForDeviceId(domainId, identifier), "GetIdentifierForDeviceId");
+    out << "  0x" << std::hex << domainId << std::dec << "  " << identifier << "  (" << DomainContents(device, domainId)
+        << ")\n";
+  }
+}
+
 void ShowInfo(Session& session, std::ostream& out) {
   IInternalService_General& general = session.general();
 
@@ -56,6 +90,7 @@ const bool registered = RegisterCommand({"info", "Connect and show what the libr
                                          [](const CommandArguments&, const SessionOptions& options, std::ostream& out) {
                                            Session session(options);
                                            ShowInfo(session, out);
+                                           ShowTarget(session, out);
                                            return 0;
                                          }});
 
