@@ -386,26 +386,6 @@ TEST(OperationReceipt, UnknownAndDestroyedTokensAreRefusedByEveryOperation) {
   EXPECT_EQ(size + result + status + u8 + u16 + u32 + u64, 0u);
 }
 
-TEST(OperationReceipt, NullOutArgumentsAreRefused) {
-  const uint64_t token = tc::StartCompletedReceipt({{1}, 8});
-  struct Case {
-    std::function<uint32_t()> call;
-    std::string message;
-  };
-  const Case cases[] = {
-      {[&] { return Receipts().GetOperationErrorResult(token, nullptr); },
-       "OperationReceipt.GetOperationErrorResult: result is a null pointer"},
-      {[&] { return Receipts().GetOperationStatus(token, nullptr); },
-       "OperationReceipt.GetOperationStatus: status is a null pointer"},
-      {[&] { return Receipts().GetValue(token, nullptr); }, "OperationReceipt.GetValue: value is a null pointer"},
-      {[&] { return Receipts().GetValueAsUInt8(token, nullptr); },
-       "OperationReceipt.GetValueAsUInt8: value is a null pointer"},
-      {[&] { return Receipts().GetValueAsUInt64(token, nullptr); },
-       "OperationReceipt.GetValueAsUInt64: value is a null pointer"},
-  };
-  for (const Case& c : cases) EXPECT_EQ(Ask(c.call), (Answer{0x20000, c.message}));
-}
-
 TEST(OperationReceipt, FlushWaitsUntilTheOperationHasEnded) {
   struct Case {
     const char* name;
