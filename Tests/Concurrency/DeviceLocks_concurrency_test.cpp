@@ -2,6 +2,7 @@
 // take and release the same devices; a lock awaited for ever is handed over
 // when another client breaks the holder's lock.
 #include <atomic>
+#include <chrono>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -73,6 +74,7 @@ TEST_F(DeviceLocksConcurrencyTest, TwoClientsNeverHoldTheSameDevicesAtOnce) {
   std::atomic<uint32_t> inside{0};
   std::atomic<int> overlaps{0};
   std::atomic<int> failures{0};
+  std::atomic<int> waits{0};  // Requests that had to wait for the other client
   std::vector<std::thread> threads;
   for (int client = 0; client < 2; ++client) {
     for (int thread = 0; thread < kThreadsPerClient; ++thread) {
@@ -84,12 +86,20 @@ TEST_F(DeviceLocksConcurrencyTest, TwoClientsNeverHoldTheSameDevicesAtOnce) {
           uint64_t token = 0;
           // Both clients want Core1; each also wants a device of its own.
           const uint32_t* wanted = sets[(client + round) % 2];
-          if (devices_.LockMany(wanted, 2, 10000, &token) != 0 || Outcome(token) != VXT_OperationStatus_Completed) {
+          if (devices_.LockMany(wanted, 2, 10000, &token) != 0) {
+            ++failures;
+            continue;
+          }
+          auto status = VXT_OperationStatus_Completed;
+          if (receipts_.GetOperationStatus(token, &status) == 0 && status != VXT_OperationStatus_Completed) ++waits;
+          if (Outcome(token) != VXT_OperationStatus_Completed) {
             ++failures;
             continue;
           }
           if (inside.exchange(clientId) != 0) ++overlaps;
           if (Holder(kCore1) != clients_[client].identifier) ++overlaps;
+          // Hold on a moment, so that the other client comes to wait.
+          std::this_thread::sleep_for(std::chrono::microseconds(200));
           inside.store(0);
           if (devices_.Unlock(&token) != 0 || Outcome(token) != VXT_OperationStatus_Completed) ++failures;
         }
@@ -97,6 +107,7 @@ TEST_F(DeviceLocksConcurrencyTest, TwoClientsNeverHoldTheSameDevicesAtOnce) {
     }
   }
   for (std::thread& thread : threads) thread.join();
+  RecordProperty("waits", waits.load());
   EXPECT_EQ(overlaps, 0);
   EXPECT_EQ(failures, 0);
   EXPECT_EQ(Holder(kCore0), "");

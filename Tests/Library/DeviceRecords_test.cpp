@@ -122,6 +122,18 @@ TEST_F(DeviceRecordsTest, BooleansReachTheComponentAsEachOperationReadsThem) {
   EXPECT_EQ(count, 2u);
 }
 
+// The service compares no maximum with anything: a maximum of 0 is the
+// component's to answer.
+TEST_F(DeviceRecordsTest, AZeroMaximumStillAsksTheComponent) {
+  const VXT_NodeType cores[] = {VXT_NodeType_LogicalCore};
+  uint32_t ids[1] = {0xdead};
+  tc::StartRecordingCalls();
+  ASSERT_EQ(devices->GetDeviceIdsOfTypes(kDomain, 1, cores, 0, ids), 0);
+  EXPECT_EQ(ArgumentsOf("TargetManager.GetDeviceIdsOfTypes"),
+            "targetDomainId=0x02000000, numNodeTypes=1, maxNumDeviceIds=0");
+  EXPECT_EQ(ids[0], 0xdeadu);
+}
+
 TEST_F(DeviceRecordsTest, OutputsAreWrittenWhateverTheComponentAnswers) {
   uint32_t enabled = 7;
   EXPECT_EQ(devices->IsDeviceEnabled(kUnknown, &enabled), kDeviceNotFound);
