@@ -282,4 +282,48 @@ TEST_F(ConnectionTest, NewClientConnectionLineNamesTheClient) {
   EXPECT_EQ(trace.front(), "New client connection. ClientID: 12, ClientIdentifier: 'tool_9@box'");
 }
 
+// A component that throws fails the step it was called for, as a failing
+// code would; nothing it throws leaves the library, no subscription that the
+// broker keeps calls into freed memory, and the next cycle starts from a
+// clean slate.
+TEST_F(ConnectionTest, ThrowingComponentFailsItsStepAndTheNextCycleIsClean) {
+  constexpr VXT_Result kThrown = static_cast<VXT_Result>(0x8000000f);
+  const tc::Behaviour throws{0, "", 0, true};
+  struct Case {
+    const char* operation;
+    tc::Behaviour behaviour;
+    VXT_Result started;
+    VXT_Result finished;
+    VXT_Result disconnected;
+  };
+  const Case cases[] = {
+      {"TargetManager.StartInitialization", throws, 0, 0, 0},
+      {"EventBroker.Subscribe", throws, kThrown, kThrown, 0},
+      {"EventBroker.Unsubscribe", throws, 0, 0, kThrown},
+      {"EventBroker.Unsubscribe", {0x20002}, 0, 0, kNotSupported},
+      {"Common.GetClientId", throws, 0, 0, 0},
+      {"RunControl.Uninitialize", throws, 0, 0, kThrown},
+      {"TargetManager.Uninitialize", throws, 0, 0, kThrown},
+  };
+  for (const Case& failure : cases) {
+    VXT_Client client = MakeClient(1, "a_1@h");
+    tc::SetBehaviour(failure.operation, failure.behaviour);
+    EXPECT_EQ(StartNewInstance(&client, 1, 0, nullptr), failure.started) << failure.operation;
+    EXPECT_EQ(StartNewInstance(&client, 1, 0, nullptr), 0) << failure.operation;  // Replaces the subscription
+    EXPECT_EQ(FinishInitialization(), failure.finished) << failure.operation;
+    tc::PublishBrokerEvent("DeviceTopology", "Completed", nullptr);
+    EXPECT_EQ(Disconnect(1), 0) << failure.operation;
+    EXPECT_EQ(Disconnect(1), failure.disconnected) << failure.operation;
+    EXPECT_EQ(IsConnected(), 0u) << failure.operation;
+    tc::ClearBehaviour(failure.operation);
+
+    tc::StartRecordingCalls();
+    ASSERT_EQ(StartNewInstance(&client, 1, 0, nullptr), 0) << failure.operation;
+    ASSERT_EQ(FinishInitialization(), 0) << failure.operation;
+    EXPECT_EQ(tc::CallCount("TargetManager.FinishInitialization"), 1u) << failure.operation;
+    ASSERT_EQ(Disconnect(1), 0) << failure.operation;
+    EXPECT_EQ(tc::CallCount("EventBroker.Uninitialize"), 1u) << failure.operation;
+  }
+}
+
 }  // namespace

@@ -13,6 +13,7 @@
 #include "RunControl.h"
 #include "StatePort.h"
 #include "TargetManager.h"
+#include "frame/CatchAll.h"
 #include "frame/TraceLine.h"
 
 namespace vxt {
@@ -29,7 +30,8 @@ void ConnectionState::ReplaceTopologySubscription() {
     std::lock_guard lock(topologySubscriptionMutex);
     former = std::exchange(topologySubscription, std::move(fresh));
   }
-  // `former` unsubscribes here, outside the guard.
+  // Unsubscribed outside the guard.
+  RetireTopologySubscription(std::move(former));
 }
 
 void ConnectionState::DropTopologySubscription() {
@@ -38,6 +40,7 @@ void ConnectionState::DropTopologySubscription() {
     std::lock_guard lock(topologySubscriptionMutex);
     former = std::move(topologySubscription);
   }
+  RetireTopologySubscription(std::move(former));
 }
 
 uint32_t EnsureRunControlInitialized() {
@@ -63,49 +66,66 @@ uint32_t DoFirstClientWork() {
 
 namespace {
 
+// Each step runs in a catch-all of its own: a component that throws fails
+// its step with 0x20009, as a failing code would, and the steps that follow
+// a failure run as they would after one.
+
 // Stops what the first client and FinishInitialization started, from the
 // event service to the state port component. Stops at the first failure.
 uint32_t StopServices() {
-  uint32_t code = InProc_Event::Instance().Uninitialize();
+  uint32_t code = frame::CatchAll(__FILE__, __LINE__, [] { return InProc_Event::Instance().Uninitialize(); });
 
   InProc_General& general = InProc_General::Instance();
   if (code == 0 && general.closeCallbackSubscribed) {
-    InProc_General::_ClearRegions();
-    if (general.eventBroker != nullptr)
-      code = general.eventBroker->Unsubscribe("Client", &InProc_General::_ClientCloseCallback, nullptr);
+    code = frame::CatchAll(__FILE__, __LINE__, [&general]() -> uint32_t {
+      InProc_General::_ClearRegions();
+      if (general.eventBroker == nullptr) return 0;
+      return general.eventBroker->Unsubscribe("Client", &InProc_General::_ClientCloseCallback, nullptr);
+    });
     general.closeCallbackSubscribed = false;
   }
 
   InProc_RunControl& runControl = InProc_RunControl::Instance();
   if (code == 0 && runControl.runControl != nullptr) {
-    code = runControl.runControl->Uninitialize();
+    code = frame::CatchAll(__FILE__, __LINE__, [&runControl] { return runControl.runControl->Uninitialize(); });
     runControl.isComponentInitialized = false;
   }
 
   if (code == 0) {
-    const StatePortComponent* statePort = nullptr;
-    code = Voxtrel_GetStatePort(&statePort);
-    if (code == 0 && statePort != nullptr) code = statePort->Uninitialize();
+    code = frame::CatchAll(__FILE__, __LINE__, []() -> uint32_t {
+      const StatePortComponent* statePort = nullptr;
+      const uint32_t got = Voxtrel_GetStatePort(&statePort);
+      return got == 0 && statePort != nullptr ? statePort->Uninitialize() : got;
+    });
   }
 
   // The broker keeps the callback no longer; its result does not matter.
-  if (code == 0) InProc_BitData::Instance().UnsubscribeCloseCallback();
+  if (code == 0) {
+    frame::CatchAll(__FILE__, __LINE__, []() -> uint32_t {
+      InProc_BitData::Instance().UnsubscribeCloseCallback();
+      return 0;
+    });
+  }
   return code;
 }
 
 // Stops the target side and the broker.
 uint32_t StopPlatform(ConnectionState& state) {
-  const TargetManagerComponent* targetManager = nullptr;
-  uint32_t code = Voxtrel_GetTargetManager(&targetManager);
-  if (code == 0 && targetManager != nullptr) code = targetManager->Uninitialize();
+  uint32_t code = frame::CatchAll(__FILE__, __LINE__, []() -> uint32_t {
+    const TargetManagerComponent* targetManager = nullptr;
+    const uint32_t got = Voxtrel_GetTargetManager(&targetManager);
+    return got == 0 && targetManager != nullptr ? targetManager->Uninitialize() : got;
+  });
 
   DataStore::Get().SetNotificationCallback({});
   state.DropTopologySubscription();
 
   if (code == 0) {
-    const EventBrokerComponent* broker = nullptr;
-    code = Voxtrel_GetEventBroker(&broker);
-    if (code == 0 && broker != nullptr) code = broker->Uninitialize();
+    code = frame::CatchAll(__FILE__, __LINE__, []() -> uint32_t {
+      const EventBrokerComponent* broker = nullptr;
+      const uint32_t got = Voxtrel_GetEventBroker(&broker);
+      return got == 0 && broker != nullptr ? broker->Uninitialize() : got;
+    });
   }
   return code;
 }

@@ -151,11 +151,16 @@ uint32_t Connect(VXT_Client* client, uint32_t isLocal, uint32_t hostingType, voi
   return code;
 }
 
+// Runs on every path of StartNewInstance, after its result is settled; what
+// it meets is not reported, yet nothing it meets may leave the library.
 void StartTargetInitialization() {
-  const TargetManagerComponent* targetManager = nullptr;
-  if (Voxtrel_GetTargetManager(&targetManager) != 0 || targetManager == nullptr) return;
-  targetManager->StartInitialization();
-  ConnectionState::Get().ReplaceTopologySubscription();
+  frame::CatchAll(__FILE__, __LINE__, []() -> uint32_t {
+    const TargetManagerComponent* targetManager = nullptr;
+    if (Voxtrel_GetTargetManager(&targetManager) != 0 || targetManager == nullptr) return 0;
+    targetManager->StartInitialization();
+    ConnectionState::Get().ReplaceTopologySubscription();
+    return 0;
+  });
 }
 
 }  // namespace

@@ -20,12 +20,18 @@ inline bool IsTraceOn(const ServiceLogger& logger, uint32_t level) {
 }
 
 // " [ClientID: <id>]": the calling thread's client, fetched when rendered.
+// Lines are written outside the frame's catch-all too, so a Common component
+// that throws here leaves the id at 0 rather than escape the library.
 struct ClientIdTrailer {
   friend std::ostream& operator<<(std::ostream& out, ClientIdTrailer) {
-    const CommonComponent* common = nullptr;
     int32_t clientId = 0;
-    Voxtrel_GetCommon(&common);
-    if (common != nullptr) common->GetClientId(&clientId);
+    try {
+      const CommonComponent* common = nullptr;
+      Voxtrel_GetCommon(&common);
+      if (common != nullptr) common->GetClientId(&clientId);
+    } catch (...) {
+      clientId = 0;
+    }
     return out << " [ClientID: " << std::dec << clientId << "]";
   }
 };
