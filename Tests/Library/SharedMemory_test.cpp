@@ -3,7 +3,10 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <algorithm>
 #include <filesystem>
+#include <functional>
+#include <memory>
 #include <string>
 #include <thread>
 
@@ -12,11 +15,15 @@
 #include <boost/interprocess/shared_memory_object.hpp>
 
 #include "InProc_Vxt.h"
+#include "PlatformTestControl.h"
 #include "VxtTestSupport.h"
 
 namespace {
 
+namespace tc = voxtrel::testing;
 using vxt::test::MakeClient;
+constexpr VXT_Result kInvalidArgument = static_cast<VXT_Result>(0x80000001);
+constexpr VXT_Result kNotSupported = static_cast<VXT_Result>(0x80000003);
 constexpr VXT_Result kInvalidHandle = static_cast<VXT_Result>(0x80000011);
 
 class SharedMemoryTest : public vxt::test::PlatformTest {
@@ -71,29 +78,100 @@ TEST_F(SharedMemoryTest, IdentifiersAreSixtyThreeLettersAndDigitsAndOwnerOnly) {
             std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 }
 
-TEST_F(SharedMemoryTest, InvalidHandlesAreRefusedBeforeTheLookup) {
+// Each refusal, with its whole trace: In line, error line, the last error,
+// Out line. An identifier buffer that a failed call leaves unterminated is
+// shown within its 64 characters.
+TEST_F(SharedMemoryTest, RefusalsGiveTheirMessagesAndTraceLines) {
   void* address = nullptr;
-  char identifier[VXT_SHARED_MEMORY_IDENTIFIER_SIZE];
+  const auto identifier = std::make_unique<char[]>(VXT_SHARED_MEMORY_IDENTIFIER_SIZE);
+  std::fill_n(identifier.get(), VXT_SHARED_MEMORY_IDENTIFIER_SIZE, 'x');
+  const std::string shown = "'" + std::string(VXT_SHARED_MEMORY_IDENTIFIER_SIZE, 'x') + "'";
   struct Case {
+    std::function<VXT_Result()> call;
     VXT_Result result;
+    std::string inLine;
     std::string message;
+    std::string outLine;
   };
   const Case cases[] = {
-      {general->GetSharedMemoryAddress(0, &address),
-       "InProc_General::GetSharedMemoryAddress() argument error (handle) : Invalid handle"},
-      {general->GetSharedMemoryIdentifier(0, identifier),
-       "InProc_General::GetSharedMemoryIdentifier() argument error (handle) : Invalid handle"},
-      {general->FreeSharedMemory(0), "InProc_General::FreeSharedMemory() argument error (handle) : Invalid handle"},
-      {general->GetSharedMemoryAddress(7, &address),
-       "InProc_General::GetSharedMemoryAddress() Unknown shared memory region handle: 0x0000000000000007"},
-      {general->GetSharedMemoryIdentifier(7, identifier),
-       "InProc_General::GetSharedMemoryIdentifier() Unknown shared memory region handle: 0x0000000000000007"},
+      {[&] { return general->GetSharedMemoryAddress(0, nullptr); }, kInvalidArgument,
+       "In  InProc_General::GetSharedMemoryAddress(handle = 0x0000000000000000) [ClientID: 3]",
+       "InProc_General::GetSharedMemoryAddress() argument error (address) : Null pointer",
+       "Out InProc_General::GetSharedMemoryAddress(address = <NULL>) ErrorCode = 0x80000001 [ClientID: 3]"},
+      {[&] { return general->GetSharedMemoryAddress(0, &address); }, kInvalidHandle,
+       "In  InProc_General::GetSharedMemoryAddress(handle = 0x0000000000000000) [ClientID: 3]",
+       "InProc_General::GetSharedMemoryAddress() argument error (handle) : Invalid handle",
+       "Out InProc_General::GetSharedMemoryAddress(address = 0x0000000000000000) ErrorCode = 0x80000011 [ClientID: 3]"},
+      {[&] { return general->GetSharedMemoryAddress(7, &address); }, kInvalidHandle,
+       "In  InProc_General::GetSharedMemoryAddress(handle = 0x0000000000000007) [ClientID: 3]",
+       "InProc_General::GetSharedMemoryAddress() Unknown shared memory region handle: 0x0000000000000007",
+       "Out InProc_General::GetSharedMemoryAddress(address = 0x0000000000000000) ErrorCode = 0x80000011 [ClientID: 3]"},
+      {[&] { return general->GetSharedMemoryIdentifier(0, nullptr); }, kInvalidArgument,
+       "In  InProc_General::GetSharedMemoryIdentifier(handle = 0x0000000000000000) [ClientID: 3]",
+       "InProc_General::GetSharedMemoryIdentifier() argument error (identifier) : Null pointer",
+       "Out InProc_General::GetSharedMemoryIdentifier(identifier = <NULL>) ErrorCode = 0x80000001 [ClientID: 3]"},
+      {[&] { return general->GetSharedMemoryIdentifier(0, identifier.get()); }, kInvalidHandle,
+       "In  InProc_General::GetSharedMemoryIdentifier(handle = 0x0000000000000000) [ClientID: 3]",
+       "InProc_General::GetSharedMemoryIdentifier() argument error (handle) : Invalid handle",
+       "Out InProc_General::GetSharedMemoryIdentifier(identifier = " + shown +
+           ") ErrorCode = 0x80000011 [ClientID: 3]"},
+      {[&] { return general->GetSharedMemoryIdentifier(7, identifier.get()); }, kInvalidHandle,
+       "In  InProc_General::GetSharedMemoryIdentifier(handle = 0x0000000000000007) [ClientID: 3]",
+       "InProc_General::GetSharedMemoryIdentifier() Unknown shared memory region handle: 0x0000000000000007",
+       "Out InProc_General::GetSharedMemoryIdentifier(identifier = " + shown +
+           ") ErrorCode = 0x80000011 [ClientID: 3]"},
+      {[&] { return general->FreeSharedMemory(0); }, kInvalidHandle,
+       "In  InProc_General::FreeSharedMemory(handle = 0x0000000000000000) [ClientID: 3]",
+       "InProc_General::FreeSharedMemory() argument error (handle) : Invalid handle",
+       "Out InProc_General::FreeSharedMemory() ErrorCode = 0x80000011 [ClientID: 3]"},
+      {[&] { return general->FreeSharedMemory(0x1234567890); }, kInvalidHandle,
+       "In  InProc_General::FreeSharedMemory(handle = 0x0000001234567890) [ClientID: 3]",
+       "InProc_General::FreeSharedMemory() Unknown shared memory region handle: 0x0000001234567890",
+       "Out InProc_General::FreeSharedMemory() ErrorCode = 0x80000011 [ClientID: 3]"},
+      {[&] { return general->AllocateSharedMemory(16, nullptr); }, kInvalidArgument,
+       "In  InProc_General::AllocateSharedMemory(memorySize = 16) [ClientID: 3]",
+       "InProc_General::AllocateSharedMemory() argument error (handle) : Null pointer",
+       "Out InProc_General::AllocateSharedMemory(handle = <NULL>) ErrorCode = 0x80000001 [ClientID: 3]"},
   };
   for (const Case& refused : cases) {
-    EXPECT_EQ(refused.result, kInvalidHandle) << refused.message;
+    ClearTrace();
+    EXPECT_EQ(refused.call(), refused.result) << refused.message;
+    EXPECT_EQ(GetLastErrorMessage(), refused.message);
+    EXPECT_EQ(Trace(), (std::vector<std::string>{
+                           refused.inLine,
+                           "VXT Error = '" + refused.message + "' [ClientID: 3]",
+                           "In  InProc ReportErrorMessage(<NULL>'" + refused.message + "')",
+                           "Out InProc ReportErrorMessage()",
+                           refused.outLine,
+                           "In  InProc GetLastErrorMessage() [ClientID: 3]",
+                           "Out InProc GetLastErrorMessage(msg = '" + refused.message + "') [ClientID: 3]",
+                       }));
   }
-  // The last error is the last call's.
-  EXPECT_EQ(GetLastErrorMessage(), cases[4].message);
+}
+
+TEST_F(SharedMemoryTest, AllocationIsTracedWithItsIdentifierAndHandle) {
+  ClearTrace();
+  uint64_t handle = 0;
+  ASSERT_EQ(general->AllocateSharedMemory(32, &handle), 0);
+  const std::string identifier = IdentifierOf(handle);
+  EXPECT_EQ(Trace(), (std::vector<std::string>{
+                         "In  InProc_General::AllocateSharedMemory(memorySize = 32) [ClientID: 3]",
+                         "Allocated a new shared memory region with identifier = '" + identifier +
+                             "' and handle = 0x0000000000000001 [ClientID: 3]",
+                         "Out InProc_General::AllocateSharedMemory(handle = 0x0000000000000001) ErrorCode = "
+                         "0x00000000 [ClientID: 3]",
+                         "In  InProc_General::GetSharedMemoryIdentifier(handle = 0x0000000000000001) [ClientID: 3]",
+                         "Out InProc_General::GetSharedMemoryIdentifier(identifier = '" + identifier +
+                             "') ErrorCode = 0x00000000 [ClientID: 3]",
+                     }));
+}
+
+TEST_F(SharedMemoryTest, ClientWhoseLocalityIsUnknownGetsNoRegion) {
+  tc::FailWith("Common.IsClientLocal", 0x20002);
+  uint64_t handle = 0;
+  EXPECT_EQ(general->AllocateSharedMemory(64, &handle), kNotSupported);
+  EXPECT_STREQ(GetLastErrorMessage(), "AllocateSharedMemory(): Failed to determine whether the client is local or not");
+  EXPECT_EQ(handle, 0u);
 }
 
 TEST_F(SharedMemoryTest, FailedCreationLeavesNoHandleAndNoObject) {

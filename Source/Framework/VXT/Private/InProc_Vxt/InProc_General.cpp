@@ -84,7 +84,7 @@ VXT_Result InProc_General::GetImplementationVersion(VXT_Version* version) {
 
 VXT_Result InProc_General::GetImplementationIdentifier(char* identifier) {
   return RunOperation(logger, VXT_OPERATION(General, GetImplementationIdentifier), NoArgs{},
-                      TraceArgs("identifier", Quoted{identifier}), [&](Call& call) {
+                      TraceArgs("identifier", Quoted{identifier, VXT_IMPLEMENTATION_IDENTIFIER_SIZE}), [&](Call& call) {
                         return call.NotNull(identifier, "identifier").Core([&] {
                           std::memset(identifier, 0, VXT_IMPLEMENTATION_IDENTIFIER_SIZE);
                           std::memcpy(identifier, kImplementationIdentifier, sizeof kImplementationIdentifier - 1);

@@ -111,7 +111,8 @@ VXT_Result InProc_General::GetSharedMemoryAddress(uint64_t handle, void** addres
 
 VXT_Result InProc_General::GetSharedMemoryIdentifier(uint64_t handle, char* identifier) {
   return RunOperation(logger, VXT_OPERATION(General, GetSharedMemoryIdentifier), TraceArgs("handle", Hex16{handle}),
-                      TraceArgs("identifier", Quoted{identifier}), [&](Call& call) {
+                      // Read within the buffer: a failed call leaves it as the caller gave it.
+                      TraceArgs("identifier", Quoted{identifier, VXT_SHARED_MEMORY_IDENTIFIER_SIZE}), [&](Call& call) {
                         call.NotNull(identifier, "identifier");
                         return ValidHandle(call, handle).Core(common, [&](const CommonComponent& c) {
                           return WithRegion(call, c, handle, [&](ClientRegions&, auto region) {
