@@ -288,7 +288,10 @@ TEST_F(ConnectionTest, NewClientConnectionLineNamesTheClient) {
 // clean slate.
 TEST_F(ConnectionTest, ThrowingComponentFailsItsStepAndTheNextCycleIsClean) {
   constexpr VXT_Result kThrown = static_cast<VXT_Result>(0x8000000f);
-  const tc::Behaviour throws{0, "", 0, true};
+  tc::Behaviour throws;
+  throws.throwException = true;
+  tc::Behaviour refuses;
+  refuses.returnCode = 0x20002;
   struct Case {
     const char* operation;
     tc::Behaviour behaviour;
@@ -300,7 +303,7 @@ TEST_F(ConnectionTest, ThrowingComponentFailsItsStepAndTheNextCycleIsClean) {
       {"TargetManager.StartInitialization", throws, 0, 0, 0},
       {"EventBroker.Subscribe", throws, kThrown, kThrown, 0},
       {"EventBroker.Unsubscribe", throws, 0, 0, kThrown},
-      {"EventBroker.Unsubscribe", {0x20002}, 0, 0, kNotSupported},
+      {"EventBroker.Unsubscribe", refuses, 0, 0, kNotSupported},
       {"Common.GetClientId", throws, 0, 0, 0},
       {"RunControl.Uninitialize", throws, 0, 0, kThrown},
       {"TargetManager.Uninitialize", throws, 0, 0, kThrown},
