@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Error.h"
 #include "InProc_Vxt.h"
 #include "PlatformTestControl.h"
 #include "VxtTestSupport.h"
@@ -203,19 +204,75 @@ TEST_F(GeneralTest, ConnectedClientsFillRecordsOfEitherSize) {
   ASSERT_EQ(Disconnect(9), 0);
 }
 
-TEST_F(GeneralTest, LogOperationsAreCountedComponentCalls) {
-  tc::StartRecordingCalls();
-  EXPECT_EQ(general->FlushLogs(), 0);
-  EXPECT_EQ(general->ClearLogs(), 0);
-  EXPECT_EQ(general->ArchiveLogs(), 0);
-  EXPECT_EQ(tc::CallCount("Common.FlushLogs"), 1u);
-  EXPECT_EQ(tc::CallCount("Common.ClearLogs"), 1u);
-  EXPECT_EQ(tc::CallCount("Common.ArchiveLogs"), 1u);
-  for (const char* method : {"General::FlushLogs", "General::ClearLogs", "General::ArchiveLogs"})
-    EXPECT_EQ(tc::TelemetryCounter("Server_Lifespan", "VXT_Call", "Method", method), 1u) << method;
-
+TEST_F(GeneralTest, LogOperationFailsWithTheComponentsCode) {
   tc::FailWith("Common.FlushLogs", 0x20002);
   EXPECT_EQ(general->FlushLogs(), static_cast<VXT_Result>(0x80000003));
+  EXPECT_STREQ(GetLastErrorMessage(), Voxtrel_ErrorGetDefaultMessage(0x20002));
+}
+
+// The In and Out lines of each operation that succeeds, and the calls it
+// counts: only the operations that change the session count, each under its
+// own name.
+TEST_F(GeneralTest, EachOperationTracesItsArgumentsAndCountsOnlyWhatChangesTheSession) {
+  char identifier[VXT_IMPLEMENTATION_IDENTIFIER_SIZE];
+  char presetName[VXT_LOGGING_PRESET_NAME_SIZE];
+  char* presetNames[] = {presetName};
+  uint32_t count = 0;
+  VXT_Client record{};
+  struct Case {
+    std::function<VXT_Result()> call;
+    std::string inLine;
+    std::string outLine;
+    std::string counted;       // Empty: counts nothing
+    std::string reaches = "";  // The component operation called once, if any
+  };
+  const Case cases[] = {
+      {[&] { return general->GetImplementationIdentifier(identifier); },
+       "In  InProc_General::GetImplementationIdentifier() [ClientID: 3]",
+       "Out InProc_General::GetImplementationIdentifier(identifier = 'Voxtrel:Main (rev 650678)') ErrorCode = "
+       "0x00000000 [ClientID: 3]",
+       ""},
+      {[&] { return general->GetLoggingPresetNames(1, presetNames); },
+       "In  InProc_General::GetLoggingPresetNames(numPresetNames = 1) [ClientID: 3]",
+       "Out InProc_General::GetLoggingPresetNames() ErrorCode = 0x00000000 [ClientID: 3]", ""},
+      {[&] { return general->LoadLoggingPreset("Trace"); },
+       "In  InProc_General::LoadLoggingPreset(presetName = 'Trace') [ClientID: 3]",
+       "Out InProc_General::LoadLoggingPreset() ErrorCode = 0x00000000 [ClientID: 3]", "General::LoadLoggingPreset"},
+      {[&] { return general->GetLoadedLoggingPreset(presetName); },
+       "In  InProc_General::GetLoadedLoggingPreset() [ClientID: 3]",
+       "Out InProc_General::GetLoadedLoggingPreset() ErrorCode = 0x00000000 [ClientID: 3]", ""},
+      {[&] { return general->GetNumConnectedClients(&count); },
+       "In  InProc_General::GetNumConnectedClients() [ClientID: 3]",
+       "Out InProc_General::GetNumConnectedClients(numConnectedClients = 1) ErrorCode = 0x00000000 [ClientID: 3]", "",
+       "Common.GetNumConnectedClients"},
+      {[&] { return general->GetConnectedClients(0, &count, &record); },
+       "In  InProc_General::GetConnectedClients(maxNumConnectedClients = 0) [ClientID: 3]",
+       "Out InProc_General::GetConnectedClients(numConnectedClients = 0) ErrorCode = 0x00000000 [ClientID: 3]", "",
+       "Common.GetConnectedClients"},  // A maximum of 0 still asks Common
+      {[&] { return general->FlushLogs(); }, "In  InProc_General::FlushLogs() [ClientID: 3]",
+       "Out InProc_General::FlushLogs() ErrorCode = 0x00000000 [ClientID: 3]", "General::FlushLogs",
+       "Common.FlushLogs"},
+      {[&] { return general->ClearLogs(); }, "In  InProc_General::ClearLogs() [ClientID: 3]",
+       "Out InProc_General::ClearLogs() ErrorCode = 0x00000000 [ClientID: 3]", "General::ClearLogs",
+       "Common.ClearLogs"},
+      {[&] { return general->ArchiveLogs(); }, "In  InProc_General::ArchiveLogs() [ClientID: 3]",
+       "Out InProc_General::ArchiveLogs() ErrorCode = 0x00000000 [ClientID: 3]", "General::ArchiveLogs",
+       "Common.ArchiveLogs"},
+  };
+  for (const Case& operation : cases) {
+    ClearTrace();
+    tc::ClearTelemetryCalls();
+    tc::StartRecordingCalls();
+    EXPECT_EQ(operation.call(), 0) << operation.inLine;
+    EXPECT_EQ(Trace(), (std::vector<std::string>{operation.inLine, operation.outLine}));
+    std::vector<tc::TelemetryCall> expected;
+    if (!operation.counted.empty())
+      expected.push_back({"CountEvent", {"Server_Lifespan", "VXT_Call", "Method", operation.counted}});
+    EXPECT_EQ(tc::TelemetryCalls(), expected) << operation.inLine;
+    if (!operation.reaches.empty()) {
+      EXPECT_EQ(tc::CallCount(operation.reaches), 1u) << operation.inLine;
+    }
+  }
 }
 
 }  // namespace
