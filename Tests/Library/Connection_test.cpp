@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "Common.h"
+#include "Error.h"
 #include "InProc_Vxt.h"
 #include "PlatformTestControl.h"
 #include "VxtTestSupport.h"
@@ -75,6 +76,65 @@ TEST_F(ConnectionTest, RefusalsLeaveNothingConnected) {
     EXPECT_EQ(IsConnected(), 0u);
   }
   EXPECT_TRUE(RecordedClients().empty());
+}
+
+// Where StartNewInstance stops, what it reports and whether the id stays.
+TEST_F(ConnectionTest, FailingStartStepReportsItsCodeAndLeavesTheIdAsItSays) {
+  struct Case {
+    const char* failing;
+    uint32_t times;  // Calls that fail; 0: every call
+    bool staysConnected;
+    bool brokerStarted;
+  };
+  const Case cases[] = {
+      {"Common.SetRunName", 0, false, false},
+      {"Voxtrel_GetCommon", 1, false, false},  // The run name's getter
+      {"Voxtrel_GetEventBroker", 0, true, false},
+      {"Common.RegisterClient", 0, true, true},
+  };
+  for (const Case& failure : cases) {
+    tc::Behaviour behaviour;
+    behaviour.returnCode = 0x20002;
+    behaviour.times = failure.times;
+    tc::SetLogLevel(2);  // Lines without a trailer only: nothing else asks Common
+    tc::StartRecordingCalls();
+    ClearTrace();
+    tc::ClearTelemetryCalls();
+    tc::SetBehaviour(failure.failing, behaviour);
+    VXT_Client client = MakeClient(5, "tool_5@here");
+    EXPECT_EQ(StartNewInstance(&client, 1, 0, nullptr), kNotSupported) << failure.failing;
+    tc::ClearBehaviour(failure.failing);
+
+    EXPECT_STREQ(GetLastErrorMessage(), Voxtrel_ErrorGetDefaultMessage(0x20002)) << failure.failing;
+    EXPECT_EQ(Trace().front(), "New client connection. ClientID: 5, ClientIdentifier: 'tool_5@here'")
+        << failure.failing;
+    EXPECT_EQ(IsConnected(), failure.staysConnected ? 1u : 0u) << failure.failing;
+    EXPECT_EQ(tc::CallCount("EventBroker.Initialize"), failure.brokerStarted ? 1u : 0u) << failure.failing;
+    EXPECT_TRUE(RecordedClients().empty()) << failure.failing;
+    EXPECT_TRUE(ConnectFields().empty()) << failure.failing;
+    // The target side starts on every path.
+    EXPECT_EQ(tc::CallCount("TargetManager.StartInitialization"), 1u) << failure.failing;
+    if (failure.staysConnected) {
+      EXPECT_EQ(Disconnect(5), 0) << failure.failing;
+    }
+  }
+}
+
+TEST_F(ConnectionTest, RunNameIsTheLocalTimeAndTheIdentifier) {
+  tc::StartRecordingCalls();
+  VXT_Client client = MakeClient(5, "tool_5@here");
+  ASSERT_EQ(StartNewInstance(&client, 2, 0, nullptr), 0);
+  std::vector<std::string> runNames;
+  for (const tc::RecordedCall& call : tc::RecordedCalls())
+    if (call.operation == "Common.SetRunName") runNames.push_back(call.arguments);
+  ASSERT_EQ(runNames.size(), 1u);
+  EXPECT_TRUE(
+      std::regex_match(runNames[0], std::regex(R"(name="\d{4}-\d{2}-\d{2}_\d{2}-\d{2}-\d{2}_tool_5@here", flag=1)")))
+      << runNames[0];
+  // Any isLocal but 1 records a remote client, yet telemetry calls every
+  // nonzero value local.
+  EXPECT_EQ(RecordedClients().at(0).isLocal, 0);
+  EXPECT_EQ(ConnectFields().back(), (std::pair<std::string, std::string>{"islocal", "True"}));
 }
 
 TEST_F(ConnectionTest, EveryRecordFormReachesCommonAsAFullRecord) {
