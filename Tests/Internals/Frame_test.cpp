@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "Common.h"
-#include "VXT_ErrorCodes.h"
 #include "PlatformTestControl.h"
+#include "VXT_ErrorCodes.h"
 #include "VxtTestSupport.h"
 #include "frame/Frame.h"
 #include "frame/LastError.h"
@@ -115,7 +115,8 @@ INSTANTIATE_TEST_SUITE_P(
                     static_cast<VXT_Result>(0x80000003),
                     "the component says why"},
         FailureCase{"ComponentThrows", &kGood, {0, "", 0, true}, static_cast<VXT_Result>(0x8000000f), "", 0x20009},
-        FailureCase{"NoRowForCode", &kGood, {0x123456}, static_cast<VXT_Result>(0x8000000f), "", 0x123456}),
+        FailureCase{
+            "NoRowForCode", &kGood, {0x123456, "", 0, false, 0}, static_cast<VXT_Result>(0x8000000f), "", 0x123456}),
     [](const auto& info) { return info.param.name; });
 
 TEST_F(FrameTest, ComponentFailingWithoutPostGivesTheCodesStandingText) {
@@ -165,6 +166,31 @@ TEST_F(FrameTest, ErrorContextOfTheCallDoesNotLeakIntoTheCaller) {
   probe.Count(1, &goodRecord, nullptr);
   EXPECT_EQ(GetContextMessage(outer.id()), "");
   EXPECT_EQ(probe.Count(1, &goodRecord, &count), 0);
+}
+
+// The last error is "<source>: <message>", leaving out what is null or empty;
+// the In line shows both as they were given, side by side.
+TEST_F(FrameTest, ReportErrorMessageJoinsSourceAndMessage) {
+  struct Case {
+    const char* source;
+    const char* message;
+    std::string inLine;
+    std::string stored;
+  };
+  const Case cases[] = {
+      {nullptr, "Null pointer", "In  InProc ReportErrorMessage(<NULL>'Null pointer')", "Null pointer"},
+      {"Memory", "Null pointer", "In  InProc ReportErrorMessage('Memory''Null pointer')", "Memory: Null pointer"},
+      {"Memory", nullptr, "In  InProc ReportErrorMessage('Memory'<NULL>)", "Memory: "},
+      {"", "text", "In  InProc ReportErrorMessage('''text')", "text"},
+      {nullptr, nullptr, "In  InProc ReportErrorMessage(<NULL><NULL>)", ""},
+  };
+  for (const Case& report : cases) {
+    ReportErrorMessage(nullptr, "earlier");
+    ClearTrace();
+    ReportErrorMessage(report.source, report.message);
+    EXPECT_EQ(Trace(), (std::vector<std::string>{report.inLine, "Out InProc ReportErrorMessage()"}));
+    EXPECT_EQ(LastErrorMessage(), report.stored) << report.inLine;
+  }
 }
 
 }  // namespace
