@@ -275,6 +275,49 @@ TEST_F(ConnectionTest, FailingStopStepSkipsTheRestOfItsGroupOnly) {
   }
 }
 
+// The connection calls report a failure through the last error alone: no
+// error line stands between their In and Out lines.
+TEST_F(ConnectionTest, FailedStopAndFailedStartAreReportedWithoutAnErrorLine) {
+  const std::string standing = Voxtrel_ErrorGetDefaultMessage(0x20002);
+  VXT_Client client = MakeClient(1, "a_1@h");
+  tc::FailWith("StatePort.Uninitialize", 0x20002);
+  ASSERT_EQ(StartNewInstance(&client, 1, 0, nullptr), 0);
+  ClearTrace();
+  EXPECT_EQ(Disconnect(1), kNotSupported);
+  EXPECT_EQ(Trace(), (Strings{
+                         "In  InProc_Vxt::Disconnect(clientId = 1)",
+                         "InProc Event Service ClientEventHandler with eventType: Disconnected, client name: 'a_1@h'",
+                         "Begin Uninitialization",
+                         "End Uninitialization",
+                         "In  InProc ReportErrorMessage(<NULL>'" + standing + "')",
+                         "Out InProc ReportErrorMessage()",
+                         "Out InProc_Vxt::Disconnect() ErrorCode = 0x80000003",
+                     }));
+  EXPECT_EQ(tc::CapturedTrace()[2].nesting, 1);
+  EXPECT_EQ(tc::CapturedTrace()[3].nesting, -1);
+
+  ClearTrace();
+  tc::FailWith("Common.RegisterClient", 0x20002);
+  EXPECT_EQ(StartNewInstance(&client, 1, 0, nullptr), kNotSupported);
+  EXPECT_EQ(Trace(), (Strings{
+                         "New client connection. ClientID: 1, ClientIdentifier: 'a_1@h'",
+                         "In  InProc ReportErrorMessage(<NULL>'" + standing + "')",
+                         "Out InProc ReportErrorMessage()",
+                     }));
+  tc::ClearBehaviour("Common.RegisterClient");
+
+  // Common never knew the client, so the thread acts for none.
+  ClearTrace();
+  tc::FailWith("Voxtrel_GetDma", 0x20002);
+  EXPECT_EQ(FinishInitialization(), kNotSupported);
+  EXPECT_EQ(Trace(), (Strings{
+                         "In InProc_Vxt::FinishInitialization() [ClientID: 0]",
+                         "In  InProc ReportErrorMessage(<NULL>'" + standing + "')",
+                         "Out InProc ReportErrorMessage()",
+                         "Out InProc_Vxt::FinishInitialization() ErrorCode = 0x80000003 [ClientID: 0]",
+                     }));
+}
+
 TEST_F(ConnectionTest, DisconnectIfLastClientNeedsItsOutArgument) {
   VXT_Client client = MakeClient(1, "a_1@h");
   ASSERT_EQ(StartNewInstance(&client, 1, 0, nullptr), 0);

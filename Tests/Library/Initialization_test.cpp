@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Error.h"
 #include "InProc_Vxt.h"
 #include "PlatformTestControl.h"
 #include "VxtTestSupport.h"
@@ -92,6 +93,80 @@ TEST_F(InitializationTest, ForwardersTraceTheirArgumentsAndPassThemOn) {
                              std::to_string(count) + ") ErrorCode = 0x00000000 [ClientID: 0]",
                      }));
   EXPECT_EQ(tc::CallCount("Configuration.SetConfigurationParameters"), 1u);
+}
+
+// Every configuration call with its whole trace: the In line, the Out line
+// and, when it refuses a null pointer, the two lines of the last error
+// between them. These calls write no error line.
+TEST_F(InitializationTest, ConfigurationCallsTraceTheirArgumentsAndRefusals) {
+  VXT_ConfigurationName configurations[1]{};
+  const char* const names[] = {"stepping", "probeSerial"};
+  const char* const values[] = {"B0", "it's"};
+  const std::string refused = "In  InProc ReportErrorMessage(<NULL>'";
+  struct Case {
+    std::function<VXT_Result()> call;
+    VXT_Result result;
+    Strings trace;
+  };
+  const Case cases[] = {
+      {[] { return SelectConfigurationByName("Default"); },
+       0,
+       {"In  InProc_Vxt::SelectConfigurationByName(configurationName = 'Default') [ClientID: 0]",
+        "Out InProc_Vxt::SelectConfigurationByName() ErrorCode = 0x00000000 [ClientID: 0]"}},
+      {[] { return SelectConfigurationByName(nullptr); },
+       kInvalidArgument,
+       {"In  InProc_Vxt::SelectConfigurationByName(configurationName = <NULL>) [ClientID: 0]",
+        refused + "VXT_SelectConfigurationByName was passed a null pointer')", "Out InProc ReportErrorMessage()",
+        "Out InProc_Vxt::SelectConfigurationByName() ErrorCode = 0x80000001 [ClientID: 0]"}},
+      {[] { return SelectConfigurationByFileName(nullptr); },
+       kInvalidArgument,
+       {"In  InProc_Vxt::SelectConfigurationByFileName(fileName = <NULL>) [ClientID: 0]",
+        refused + "VXT_SelectConfigurationByFileName was passed a null pointer')", "Out InProc ReportErrorMessage()",
+        "Out InProc_Vxt::SelectConfigurationByFileName() ErrorCode = 0x80000001 [ClientID: 0]"}},
+      {[] {
+         tc::FailWith("Configuration.SelectConfigurationByFileName", 0x20002);
+         return SelectConfigurationByFileName("board.json");
+       },
+       kNotSupported,
+       {"In  InProc_Vxt::SelectConfigurationByFileName(fileName = 'board.json') [ClientID: 0]",
+        refused + Voxtrel_ErrorGetDefaultMessage(0x20002) + "')", "Out InProc ReportErrorMessage()",
+        "Out InProc_Vxt::SelectConfigurationByFileName() ErrorCode = 0x80000003 [ClientID: 0]"}},
+      {[&] { return GetAvailableConfigurations(1, configurations); },
+       0,
+       {"In  InProc_Vxt::GetAvailableConfigurations(maxConfigurationCount = 1) [ClientID: 0]",
+        "Out InProc_Vxt::GetAvailableConfigurations() ErrorCode = 0x00000000 [ClientID: 0]"}},
+      {[] { return GetAvailableConfigurationCount(nullptr); },
+       kInvalidArgument,
+       {"In  InProc_Vxt::GetAvailableConfigurationCount() [ClientID: 0]",
+        refused + "VXT_GetAvailableConfigurationCount was passed a null pointer')", "Out InProc ReportErrorMessage()",
+        "Out InProc_Vxt::GetAvailableConfigurationCount(configurationCount = <NULL>) ErrorCode = 0x80000001 "
+        "[ClientID: 0]"}},
+      {[&] { return SetConfigurationParameters(2, names, values); },
+       0,
+       {"In  InProc_Vxt::SetConfigurationParameters(parameterCount = 2 parameterNames = {'stepping', 'probeSerial'} "
+        "parameterValues = {'B0', 'it's'}) [ClientID: 0]",
+        "Out InProc_Vxt::SetConfigurationParameters() ErrorCode = 0x00000000 [ClientID: 0]"}},
+      {[&] { return SetConfigurationParameters(2, names, nullptr); },
+       kInvalidArgument,
+       {"In  InProc_Vxt::SetConfigurationParameters(parameterCount = 2 parameterNames = {'stepping', 'probeSerial'} "
+        "parameterValues = <NULL>) [ClientID: 0]",
+        refused + "VXT_SetConfigurationParameters was passed a null pointer')", "Out InProc ReportErrorMessage()",
+        "Out InProc_Vxt::SetConfigurationParameters() ErrorCode = 0x80000001 [ClientID: 0]"}},
+      {[] { return SetClientInfo("tool", "vxt"); },
+       0,
+       {"In  InProc_Vxt::SetClientInfo(key = 'tool' value = 'vxt') [ClientID: 0]",
+        "Out InProc_Vxt::SetClientInfo() ErrorCode = 0x00000000 [ClientID: 0]"}},
+      {[] { return SetClientInfo("tool", nullptr); },
+       kInvalidArgument,
+       {"In  InProc_Vxt::SetClientInfo(key = 'tool' value = <NULL>) [ClientID: 0]",
+        refused + "VXT_SetClienInfo was passed a null pointer')", "Out InProc ReportErrorMessage()",
+        "Out InProc_Vxt::SetClientInfo() ErrorCode = 0x80000001 [ClientID: 0]"}},
+  };
+  for (const Case& call : cases) {
+    ClearTrace();
+    EXPECT_EQ(call.call(), call.result) << call.trace.front();
+    EXPECT_EQ(Trace(), call.trace);
+  }
 }
 
 TEST_F(InitializationTest, ComponentRefusalBecomesThePublicCodeAndItsMessage) {
