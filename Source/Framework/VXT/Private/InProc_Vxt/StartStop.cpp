@@ -20,6 +20,7 @@
 #include "frame/ErrorContext.h"
 #include "frame/InternalCodes.h"
 #include "frame/Render.h"
+#include "frame/TextStream.h"
 #include "frame/TraceLine.h"
 
 namespace vxt {
@@ -62,13 +63,13 @@ uint32_t MakeFullRecord(const VXT_Client& client, uint32_t isLocal, VXT_Client& 
     record.clientId = client.clientId;
     CopyText(record.identifier, IdentifierOf(client));
   } else {
-    std::ostringstream text;
+    frame::TextStream text;
     text << "VXT_Client structureSize is invalid: " << client.structureSize;
     Voxtrel_ErrorPostError(code::kStructureSize, text.str().c_str(), __FILE__, __LINE__);
     return code::kStructureSize;
   }
   record.isLocal = isLocal == 1 ? 1 : 0;
-  std::ostringstream startTime;
+  frame::TextStream startTime;
   startTime << boost::posix_time::second_clock::universal_time();
   CopyText(record.startTime, startTime.str());
   return 0;
@@ -82,7 +83,7 @@ std::string ProcessGuidText() {
 }
 
 std::string Hex8Text(uint32_t value) {
-  std::ostringstream text;
+  frame::TextStream text;
   text << frame::Hex8{value};
   return text.str();
 }
@@ -113,7 +114,7 @@ uint32_t Connect(VXT_Client* client, uint32_t isLocal, uint32_t hostingType, voi
   const std::string identifier = IdentifierOf(*client);
   uint32_t code = SetRunName(identifier);
   if (Voxtrel_LoggingIsLoggingUsage()) {
-    std::ostringstream text;
+    frame::TextStream text;
     text << "ClientID: " << client->clientId << ", ClientIdentifier: '" << identifier << "'";
     Voxtrel_LoggingLogUsage(kUsageStream, "Start", text.str().c_str());
   }
@@ -184,8 +185,9 @@ extern "C" VXT_Result Disconnect(uint32_t clientId) {
   ConnectionState& state = ConnectionState::Get();
   const frame::ErrorContextScope context;
   if (Voxtrel_LoggingIsLoggingUsage()) {
-    const std::string text = "ClientID: " + std::to_string(clientId);
-    Voxtrel_LoggingLogUsage(kUsageStream, "Stop", text.c_str());
+    frame::TextStream text;
+    text << "ClientID: " << clientId;
+    Voxtrel_LoggingLogUsage(kUsageStream, "Stop", text.str().c_str());
   }
   frame::TraceLine(state.connectionLogger, 1, "In  InProc_Vxt::Disconnect(clientId = ", clientId, ")");
 

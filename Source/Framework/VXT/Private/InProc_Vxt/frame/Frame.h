@@ -34,6 +34,7 @@
 #include "frame/LastError.h"
 #include "frame/OperationSite.h"
 #include "frame/Render.h"
+#include "frame/TextStream.h"
 #include "frame/TraceLine.h"
 #include "frame/TranslateErrorCode.h"
 
@@ -136,7 +137,7 @@ class Call {
  private:
   const OperationSite& site_;
   uint32_t code_ = code::kSuccess;
-  std::optional<std::ostringstream> message_;
+  std::optional<TextStream> message_;
 };
 
 // The argument part of a line with no argument.

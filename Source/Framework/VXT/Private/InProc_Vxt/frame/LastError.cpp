@@ -6,6 +6,7 @@
 #include <boost/thread/tss.hpp>
 
 #include "frame/Render.h"
+#include "frame/TextStream.h"
 #include "frame/TraceLine.h"
 
 namespace vxt::frame {
@@ -37,7 +38,7 @@ void ReportErrorMessage(const char* source, const char* message) {
   const ServiceLogger& logger = LookupLogger();
   TraceLine(logger, 1, "In  InProc ReportErrorMessage(", Quoted{source}, Quoted{message}, ")");
 
-  std::ostringstream text;
+  TextStream text;
   if (source != nullptr && *source != '\0') text << source << ": ";
   if (message != nullptr && *message != '\0') text << message;
   StoreLastError(text.str());

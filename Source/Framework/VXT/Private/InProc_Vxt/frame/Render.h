@@ -1,6 +1,6 @@
 // How values become the text of trace lines.
 //
-// A line is rendered into one fresh stream in the default locale. The
+// A line is rendered into one fresh stream in the classic locale. The
 // rendering classes are small structs that hold a value or a pointer and
 // write their text only when inserted, so that nothing is rendered while a
 // level is off:

@@ -12,6 +12,7 @@
 #include "Common.h"
 #include "Logging.h"
 #include "frame/ServiceLogger.h"
+#include "frame/TextStream.h"
 
 namespace vxt::frame {
 
@@ -39,7 +40,7 @@ inline constexpr ClientIdTrailer kTrailer{};
 
 template <class... Pieces>
 void RenderAndLog(const ServiceLogger& logger, uint32_t level, int32_t nesting, const Pieces&... pieces) {
-  std::ostringstream line;
+  TextStream line;
   (line << ... << pieces);
   Voxtrel_LoggingLog(logger.handle, level, line.str().c_str(), nesting);
 }
