@@ -405,6 +405,9 @@ TEST_F(ConnectionTest, ThrowingComponentFailsItsStepAndTheNextCycleIsClean) {
   const Case cases[] = {
       {"TargetManager.StartInitialization", throws, 0, 0, 0},
       {"EventBroker.Subscribe", throws, kThrown, kThrown, 0},
+      // The general service's callback was never subscribed, so its
+      // unsubscription is refused in turn.
+      {"EventBroker.Subscribe", refuses, 0, 0, static_cast<VXT_Result>(0x80000002)},
       {"EventBroker.Unsubscribe", throws, 0, 0, kThrown},
       {"EventBroker.Unsubscribe", refuses, 0, 0, kNotSupported},
       {"Common.GetClientId", throws, 0, 0, 0},

@@ -6,7 +6,8 @@ namespace vxt {
 
 TopologySubscription::TopologySubscription(Callback callback) : callback_(std::move(callback)) {
   Voxtrel_GetEventBroker(&broker_);
-  if (broker_ != nullptr) broker_->Subscribe(typeName_.c_str(), &Trampoline, this, "InProc_StartStop");
+  if (broker_ != nullptr && broker_->Subscribe(typeName_.c_str(), &Trampoline, this, "InProc_StartStop") != 0)
+    broker_ = nullptr;  // Refused: there is nothing to end
 }
 
 TopologySubscription::~TopologySubscription() { Unsubscribe(); }

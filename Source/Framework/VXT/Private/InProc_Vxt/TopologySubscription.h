@@ -13,8 +13,8 @@ class TopologySubscription {
  public:
   using Callback = std::function<void(const char* eventName, const void* eventData)>;
 
-  // Subscribes to "DeviceTopology" events; a broker that cannot be had
-  // leaves the object without a subscription.
+  // Subscribes to "DeviceTopology" events; a broker that cannot be had or
+  // refuses leaves the object without a subscription.
   explicit TopologySubscription(Callback callback);
   // Unsubscribes, unless Unsubscribe did so already.
   ~TopologySubscription();
@@ -29,6 +29,7 @@ class TopologySubscription {
   static void Trampoline(void* self, const char* eventName, const void* eventData);
 
   Callback callback_;
+  // The broker that holds the subscription; null once there is none.
   const EventBrokerComponent* broker_ = nullptr;
   std::string typeName_ = "DeviceTopology";
 };
