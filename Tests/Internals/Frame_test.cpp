@@ -193,5 +193,25 @@ TEST_F(FrameTest, ReportErrorMessageJoinsSourceAndMessage) {
   }
 }
 
+// A count with a detail goes under "<method>(<detail>)".
+TEST_F(FrameTest, CountMethodCallCarriesItsDetail) {
+  struct Case {
+    const char* detail;
+    std::string counted;
+  };
+  const Case cases[] = {
+      {"PORT_A", "StatePort::Read(PORT_A)"},
+      {"", "StatePort::Read()"},
+      {nullptr, "StatePort::Read(<NULL>)"},
+  };
+  for (const Case& count : cases) {
+    tc::ClearTelemetryCalls();
+    CountMethodCall("StatePort::Read", count.detail);
+    EXPECT_EQ(
+        tc::TelemetryCalls(),
+        (std::vector<tc::TelemetryCall>{{"CountEvent", {"Server_Lifespan", "VXT_Call", "Method", count.counted}}}));
+  }
+}
+
 }  // namespace
 }  // namespace vxt
