@@ -24,14 +24,13 @@ ConnectionState& ConnectionState::Get() {
 }
 
 void ConnectionState::ReplaceTopologySubscription() {
-  auto fresh = std::make_unique<TopologySubscription>([](const char*, const void*) { EnsureRunControlInitialized(); });
+  auto fresh = std::make_unique<TopologySubscription>();
   std::unique_ptr<TopologySubscription> former;
   {
     std::lock_guard lock(topologySubscriptionMutex);
     former = std::exchange(topologySubscription, std::move(fresh));
   }
-  // Unsubscribed outside the guard.
-  RetireTopologySubscription(std::move(former));
+  // Unsubscribed outside the guard, as former goes.
 }
 
 void ConnectionState::DropTopologySubscription() {
@@ -40,7 +39,6 @@ void ConnectionState::DropTopologySubscription() {
     std::lock_guard lock(topologySubscriptionMutex);
     former = std::move(topologySubscription);
   }
-  RetireTopologySubscription(std::move(former));
 }
 
 uint32_t EnsureRunControlInitialized() {

@@ -1,40 +1,36 @@
 #include "TopologySubscription.h"
 
-#include <utility>
+#include "ConnectionState.h"
 
 namespace vxt {
+namespace {
+constexpr const char* kTopologyEventType = "DeviceTopology";
+}  // namespace
 
-TopologySubscription::TopologySubscription(Callback callback) : callback_(std::move(callback)) {
-  Voxtrel_GetEventBroker(&broker_);
-  if (broker_ != nullptr && broker_->Subscribe(typeName_.c_str(), &Trampoline, this, "InProc_StartStop") != 0)
-    broker_ = nullptr;  // Refused: there is nothing to end
+TopologySubscription::TopologySubscription() {
+  try {
+    Voxtrel_GetEventBroker(&broker_);
+    if (broker_ != nullptr && broker_->Subscribe(kTopologyEventType, &OnTopologyEvent, nullptr, "InProc_StartStop") != 0)
+      broker_ = nullptr;  // Refused: there is nothing to end
+  } catch (...) {
+    broker_ = nullptr;
+  }
 }
 
-TopologySubscription::~TopologySubscription() { Unsubscribe(); }
-
-bool TopologySubscription::Unsubscribe() noexcept {
-  if (broker_ == nullptr) return true;
-  uint32_t code = 0;
+TopologySubscription::~TopologySubscription() {
+  if (broker_ == nullptr) return;
   try {
-    code = broker_->Unsubscribe(typeName_.c_str(), &Trampoline, this);
+    broker_->Unsubscribe(kTopologyEventType, &OnTopologyEvent, nullptr);
   } catch (...) {
-    return false;
   }
-  if (code != 0) return false;
-  broker_ = nullptr;
-  return true;
 }
 
 // The broker calls in on a thread of its own; nothing may be thrown back at it.
-void TopologySubscription::Trampoline(void* self, const char* eventName, const void* eventData) {
+void TopologySubscription::OnTopologyEvent(void*, const char*, const void*) {
   try {
-    static_cast<TopologySubscription*>(self)->callback_(eventName, eventData);
+    EnsureRunControlInitialized();
   } catch (...) {
   }
-}
-
-void RetireTopologySubscription(std::unique_ptr<TopologySubscription> former) noexcept {
-  if (former != nullptr && !former->Unsubscribe()) static_cast<void>(former.release());
 }
 
 }  // namespace vxt

@@ -1,42 +1,35 @@
-// One EventBroker subscription, owned for the life of the object.
+// The library's one EventBroker subscription to "DeviceTopology" events,
+// owned for the life of the object.
 #pragma once
-
-#include <functional>
-#include <memory>
-#include <string>
 
 #include "EventBroker.h"
 
 namespace vxt {
 
+// The first "DeviceTopology" event after a client arrives starts the
+// RunControl component early.
+//
+// The broker may still be delivering to a subscription on another thread
+// when this object unsubscribes and is destroyed, so what the broker holds
+// never points into the object: the handler is static and the user data
+// null. Two live objects thus hold equal subscriptions, and ending either
+// one ends one of the two, which is all the count of them needs.
 class TopologySubscription {
  public:
-  using Callback = std::function<void(const char* eventName, const void* eventData)>;
-
-  // Subscribes to "DeviceTopology" events; a broker that cannot be had or
-  // refuses leaves the object without a subscription.
-  explicit TopologySubscription(Callback callback);
-  // Unsubscribes, unless Unsubscribe did so already.
+  // Subscribes; a broker that cannot be had or refuses leaves the object
+  // without a subscription.
+  TopologySubscription();
+  // Unsubscribes. A broker that refuses or throws keeps the subscription,
+  // which does no harm beyond a spare start of the RunControl component.
   ~TopologySubscription();
   TopologySubscription(const TopologySubscription&) = delete;
   TopologySubscription& operator=(const TopologySubscription&) = delete;
 
-  // Ends the subscription. False if the broker refused or threw, in which
-  // case it may still call this object.
-  bool Unsubscribe() noexcept;
-
  private:
-  static void Trampoline(void* self, const char* eventName, const void* eventData);
+  static void OnTopologyEvent(void* userData, const char* eventName, const void* eventData);
 
-  Callback callback_;
-  // The broker that holds the subscription; null once there is none.
+  // The broker that holds the subscription; null when there is none.
   const EventBrokerComponent* broker_ = nullptr;
-  std::string typeName_ = "DeviceTopology";
 };
-
-// Ends a subscription that is being replaced or dropped. One the broker
-// would not let go of is kept alive for good rather than freed under the
-// broker's feet.
-void RetireTopologySubscription(std::unique_ptr<TopologySubscription> former) noexcept;
 
 }  // namespace vxt
