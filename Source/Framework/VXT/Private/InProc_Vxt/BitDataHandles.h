@@ -87,4 +87,17 @@ class BitDataChecks {
   InProc_BitData& service_;
 };
 
+// The checks of an operation that changes bits [bitOffset, bitOffset +
+// bitSize) of the client's vector in place, then `change(object)`.
+template <class Change>
+uint32_t ChangeBitRange(frame::Call& call, const VXT_BitData* bitData, uint32_t bitOffset, uint32_t bitSize,
+                        Change&& change) {
+  BitData* object = nullptr;
+  return BitDataChecks(call)
+      .Holding(bitData, "bitData")
+      .BitRange(bitData, bitOffset, bitSize, "bitData")
+      .Managed(bitData, object, "bitData")
+      .Core([&] { return std::forward<Change>(change)(object); });
+}
+
 }  // namespace vxt

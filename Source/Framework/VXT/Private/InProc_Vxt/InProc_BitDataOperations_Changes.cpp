@@ -31,12 +31,8 @@ uint32_t ShiftVector(Call& call, const VXT_BitData* bitData, int32_t numBits, Sh
 
 uint32_t ShiftField(Call& call, const VXT_BitData* bitData, uint32_t bitOffset, uint32_t bitSize, int32_t numBits,
                     Shift shift) {
-  BitData* object = nullptr;
-  return BitDataChecks(call)
-      .Holding(bitData, "bitData")
-      .BitRange(bitData, bitOffset, bitSize, "bitData")
-      .Managed(bitData, object, "bitData")
-      .Core([&] { return shift(object, bitOffset, bitSize, numBits); });
+  return ChangeBitRange(call, bitData, bitOffset, bitSize,
+                        [&](BitData* object) { return shift(object, bitOffset, bitSize, numBits); });
 }
 
 // The piece length of SetBitRangeToPattern.
@@ -116,12 +112,9 @@ VXT_Result InProc_BitDataOperations::RandomizeBits(const VXT_BitData* bitData, u
                       TraceArgs("bitData", BitDataText{bitData}, "bitOffset", Dec{bitOffset}, "bitSize",
                                 Dec{bitSize}),
                       NoArgs{}, [&](Call& call) {
-                        BitData* object = nullptr;
-                        return BitDataChecks(call)
-                            .Holding(bitData, "bitData")
-                            .BitRange(bitData, bitOffset, bitSize, "bitData")
-                            .Managed(bitData, object, "bitData")
-                            .Core([&] { return BitData_Randomize(object, bitOffset, bitSize); });
+                        return ChangeBitRange(call, bitData, bitOffset, bitSize, [&](BitData* object) {
+                          return BitData_Randomize(object, bitOffset, bitSize);
+                        });
                       });
 }
 

@@ -97,13 +97,10 @@ VXT_Result InProc_BitDataOperations::Invert(const VXT_BitData* bitData, uint32_t
                       TraceArgs("bitData", BitDataText{bitData}, "bitOffset", Dec{bitOffset}, "bitSize",
                                 Dec{bitSize}, "value", Hex8{value}),
                       NoArgs{}, [&](Call& call) {
-                        BitData* object = nullptr;
                         // `value` stands in the trace only: every bit of the field flips.
-                        return BitDataChecks(call)
-                            .Holding(bitData, "bitData")
-                            .BitRange(bitData, bitOffset, bitSize, "bitData")
-                            .Managed(bitData, object, "bitData")
-                            .Core([&] { return BitData_XorValue(object, bitOffset, bitSize, ~uint64_t{0}); });
+                        return ChangeBitRange(call, bitData, bitOffset, bitSize, [&](BitData* object) {
+                          return BitData_XorValue(object, bitOffset, bitSize, ~uint64_t{0});
+                        });
                       });
 }
 
@@ -135,12 +132,8 @@ VXT_Result InProc_BitDataOperations::ReverseBitRange(const VXT_BitData* bitData,
                       TraceArgs("bitData", BitDataText{bitData}, "bitOffset", Dec{bitOffset}, "bitSize",
                                 Dec{bitSize}),
                       NoArgs{}, [&](Call& call) {
-                        BitData* object = nullptr;
-                        return BitDataChecks(call)
-                            .Holding(bitData, "bitData")
-                            .BitRange(bitData, bitOffset, bitSize, "bitData")
-                            .Managed(bitData, object, "bitData")
-                            .Core([&] { return BitData_Reverse(object, bitOffset, bitSize); });
+                        return ChangeBitRange(call, bitData, bitOffset, bitSize,
+                                              [&](BitData* object) { return BitData_Reverse(object, bitOffset, bitSize); });
                       });
 }
 
