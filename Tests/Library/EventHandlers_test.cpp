@@ -246,8 +246,13 @@ TEST_F(EventHandlerTest, UnterminatedNamesAreCutToTheirField) {
   std::memset(domain.domainName, 'a', sizeof domain.domainName);
   auto port = ev::MakeStatePortEventData(2, "", 0, 0, 0);
   std::memset(port.portName, 'p', sizeof port.portName);
+  // The client record is copied into the notification, and its texts are
+  // terminated in the copy.
+  auto client = ev::ClientEventData(vxt::test::MakeClient(4, ""));
+  std::memset(client.identifier, 'c', sizeof client.identifier);
   const std::string a63(63, 'a');
   const std::string p63(63, 'p');
+  const std::string c255(255, 'c');
   Check({
       {"PowerDomain", "On", &domain,
        {"2 InProc Event Service TargetPowerDomainEventHandler for device: 0x00000001, powerDomain: '" + a63 +
@@ -256,6 +261,9 @@ TEST_F(EventHandlerTest, UnterminatedNamesAreCutToTheirField) {
       {"StatePort", "ValueChanged", &port,
        {"2 InProc Event Service StatePortEventHandler with eventType: ValueChanged, stateport name: '" + p63 + "'"},
        {"StatePort size=48 type=1 device=2 port='" + p63 + "' value=0 first=0 second=0"}},
+      {"Client", "Connected", &client,
+       {"2 InProc Event Service ClientEventHandler with eventType: Connected, client name: '" + c255 + "'"},
+       {"Notification size=1304 type=1 client=4 '" + c255 + "'"}},
   });
 }
 
