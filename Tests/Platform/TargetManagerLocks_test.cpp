@@ -2,11 +2,13 @@
 // awaited on workers until a timeout, and ended by unlocking, breaking,
 // cancelling, a client's departure or the topology's end.
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "../../Source/Platform/Target/DeviceLocks.h"
 #include "Common.h"
 #include "OperationReceipt.h"
 #include "PlatformTestControl.h"
@@ -193,7 +195,9 @@ TEST_F(TargetManagerLocksTest, AWaitingLockEndsAsTheHolderOrTheTargetDecides) {
     ActAs(1);
     test.end(waiting);
     EXPECT_EQ(Await(waiting), test.ending);
-    if (!test.holderAfter.empty()) EXPECT_EQ(Holder(kCore0), test.holderAfter);
+    if (!test.holderAfter.empty()) {
+      EXPECT_EQ(Holder(kCore0), test.holderAfter);
+    }
   }
 }
 
@@ -253,6 +257,44 @@ TEST_F(TargetManagerLocksTest, RefusalsComeAtOnceAndNoReceiptIsMade) {
             (Posted{0x10000, "TargetManager.Lock: the calling thread acts for no connected client"}));
   EXPECT_EQ(CallPosting([&] { return manager_.Unlock(&token); }),
             (Posted{0x10000, "TargetManager.Unlock: the calling thread acts for no connected client"}));
+}
+
+// A request reads its client's departure count before it tries the table;
+// whatever happened to the client or the topology in between decides, so
+// that no device is taken for a client that is gone or in a table that was
+// dropped.
+TEST(DeviceLocksTest, ARequestThatRacedWithADepartureOrTheTopologysEndTakesNothing) {
+  using voxtrel::platform::target::DeviceLocks;
+  using Outcome = DeviceLocks::Outcome;
+  struct Case {
+    const char* name;
+    std::function<void(DeviceLocks&)> meanwhile;
+    Outcome outcome;
+    uint32_t conflictHolder;  // 0: none
+    std::optional<uint32_t> holderAfter;
+  };
+  const Case cases[] = {
+      {"nothing", [](DeviceLocks&) {}, Outcome::Taken, 0, 1u},
+      {"another client took it", [](DeviceLocks& locks) { locks.TryTake(2, 0, std::vector<uint32_t>{kCore1}); },
+       Outcome::Busy, 2, 2u},
+      {"the client left", [](DeviceLocks& locks) { locks.ForgetClient(1); }, Outcome::ClientGone, 0, std::nullopt},
+      {"another client left", [](DeviceLocks& locks) { locks.ForgetClient(2); }, Outcome::Taken, 0, 1u},
+      {"the topology was dropped", [](DeviceLocks& locks) { locks.Retire(); }, Outcome::Retired, 0, std::nullopt},
+  };
+  const std::vector<uint32_t> wanted = {kCore0, kCore1};
+  for (const Case& test : cases) {
+    SCOPED_TRACE(test.name);
+    DeviceLocks locks;
+    const uint64_t epoch = locks.ClientEpoch(1);
+    test.meanwhile(locks);
+    const DeviceLocks::Result result = locks.TryTake(1, epoch, wanted);
+    EXPECT_EQ(result.outcome, test.outcome);
+    EXPECT_EQ(result.conflict.holder, test.conflictHolder);
+    EXPECT_EQ(locks.Holder(kCore1), test.holderAfter);
+    if (test.outcome != Outcome::Taken) {
+      EXPECT_EQ(locks.Holder(kCore0), std::nullopt);
+    }
+  }
 }
 
 }  // namespace

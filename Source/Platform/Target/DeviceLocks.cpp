@@ -13,47 +13,47 @@ std::optional<DeviceLocks::Conflict> DeviceLocks::FindConflict(uint32_t client,
   return std::nullopt;
 }
 
-std::optional<DeviceLocks::Conflict> DeviceLocks::TryTake(uint32_t client, std::span<const uint32_t> deviceIds) {
-  std::lock_guard lock(mutex_);
-  if (std::optional<Conflict> conflict = FindConflict(client, deviceIds)) return conflict;
+uint64_t DeviceLocks::EpochLocked(uint32_t client) const {
+  const auto epoch = clientEpochs_.find(client);
+  return epoch == clientEpochs_.end() ? 0 : epoch->second;
+}
+
+DeviceLocks::Result DeviceLocks::TakeLocked(uint32_t client, uint64_t clientEpoch,
+                                            std::span<const uint32_t> deviceIds) {
+  if (retired_) return {Outcome::Retired, {}};
+  if (EpochLocked(client) != clientEpoch) return {Outcome::ClientGone, {}};
+  if (std::optional<Conflict> conflict = FindConflict(client, deviceIds)) return {Outcome::Busy, *conflict};
   for (uint32_t deviceId : deviceIds) holders_[deviceId] = client;
-  return std::nullopt;
+  return {Outcome::Taken, {}};
+}
+
+DeviceLocks::Result DeviceLocks::TryTake(uint32_t client, uint64_t clientEpoch, std::span<const uint32_t> deviceIds) {
+  std::lock_guard lock(mutex_);
+  return TakeLocked(client, clientEpoch, deviceIds);
 }
 
 DeviceLocks::Result DeviceLocks::Take(uint32_t client, uint64_t clientEpoch, std::span<const uint32_t> deviceIds,
                                       std::optional<Clock::time_point> deadline, std::stop_token stop) {
   std::unique_lock lock(mutex_);
-  std::optional<Conflict> conflict;
-  bool clientGone = false;
-  // True when waiting is over, whatever the reason.
+  Result result{Outcome::Busy, {}};
+  // The wait is over unless another client is still in the way; the last
+  // run of this, under the lock, has taken the devices if it could.
   const auto settled = [&] {
-    if (retired_) return true;
-    const auto epoch = clientEpochs_.find(client);
-    clientGone = (epoch == clientEpochs_.end() ? 0 : epoch->second) != clientEpoch;
-    if (clientGone) return true;
-    conflict = FindConflict(client, deviceIds);
-    return !conflict;
+    result = TakeLocked(client, clientEpoch, deviceIds);
+    return result.outcome != Outcome::Busy;
   };
   if (deadline) {
     changed_.wait_until(lock, stop, *deadline, settled);
   } else {
     changed_.wait(lock, stop, settled);
   }
-  // The predicate ran last under the lock, so its findings stand.
-  if (retired_) return {Outcome::Retired, {}};
-  if (clientGone) return {Outcome::ClientGone, {}};
-  if (!conflict) {
-    for (uint32_t deviceId : deviceIds) holders_[deviceId] = client;
-    return {Outcome::Taken, {}};
-  }
-  if (stop.stop_requested()) return {Outcome::Canceled, *conflict};
-  return {Outcome::TimedOut, *conflict};
+  if (result.outcome != Outcome::Busy) return result;
+  return {stop.stop_requested() ? Outcome::Canceled : Outcome::TimedOut, result.conflict};
 }
 
 uint64_t DeviceLocks::ClientEpoch(uint32_t client) const {
   std::lock_guard lock(mutex_);
-  const auto epoch = clientEpochs_.find(client);
-  return epoch == clientEpochs_.end() ? 0 : epoch->second;
+  return EpochLocked(client);
 }
 
 size_t DeviceLocks::ReleaseAll(uint32_t client) {

@@ -33,19 +33,23 @@ class VOXTREL_PLATFORM_API DeviceLocks {
 
   enum class Outcome {
     Taken,       // Every device is the client's now
+    Busy,        // Another client holds `conflict`; TryTake only
     TimedOut,    // The deadline passed with `conflict` in the way
     Canceled,    // The stop token was triggered
     Retired,     // The topology was dropped
-    ClientGone,  // The client disconnected while it waited
+    ClientGone,  // The client was forgotten after the request read its epoch
   };
   struct Result {
     Outcome outcome = Outcome::Taken;
     Conflict conflict;
   };
 
-  // Takes the devices for `client` if no other client holds any of them;
-  // else the first device in the way.
-  std::optional<Conflict> TryTake(uint32_t client, std::span<const uint32_t> deviceIds);
+  // Takes the devices for `client` if no other client holds any of them
+  // (Busy with the first device in the way). Refused as Retired once the
+  // topology is retired, and as ClientGone when the client was forgotten
+  // after `clientEpoch` was read: a request that raced with either would
+  // otherwise hold devices that no one releases.
+  Result TryTake(uint32_t client, uint64_t clientEpoch, std::span<const uint32_t> deviceIds);
   // Waits until TryTake succeeds, the deadline passes (none: for ever),
   // `stop` is triggered, the topology is retired, or the client is
   // forgotten after `clientEpoch` was read.
@@ -68,6 +72,9 @@ class VOXTREL_PLATFORM_API DeviceLocks {
 
  private:
   std::optional<Conflict> FindConflict(uint32_t client, std::span<const uint32_t> deviceIds) const;
+  uint64_t EpochLocked(uint32_t client) const;
+  // TryTake's work, under mutex_.
+  Result TakeLocked(uint32_t client, uint64_t clientEpoch, std::span<const uint32_t> deviceIds);
 
   mutable std::mutex mutex_;
   std::condition_variable_any changed_;             // A device was released, a client forgotten, or all retired

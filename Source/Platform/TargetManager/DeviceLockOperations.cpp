@@ -7,6 +7,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Common/ClientRegistry.h"
@@ -70,6 +71,7 @@ ReceiptOutcome AwaitLocks(const char* operation, const std::shared_ptr<LiveTopol
       return ReceiptOutcome::Failure(
           kClientNotRegistered,
           std::string(operation) + ": client " + std::to_string(client) + " disconnected while the lock was awaited");
+    case DeviceLocks::Outcome::Busy:  // Take waits on instead
     case DeviceLocks::Outcome::TimedOut:
       break;
   }
@@ -84,31 +86,60 @@ std::optional<uint32_t> CallingClient(Request& request) {
   return client;
 }
 
+// The client the calling thread acts for and the count of its departures,
+// or a refusal. The client is looked up again after the count is read: a
+// departure that a lock request does not see here bumps the count later,
+// and the lock table then refuses the request instead of taking devices
+// for a client that is gone.
+std::optional<std::pair<uint32_t, uint64_t>> CallingClientAndEpoch(Request& request, const DeviceLocks& locks) {
+  const std::optional<uint32_t> client = CallingClient(request);
+  if (!client) return std::nullopt;
+  const uint64_t clientEpoch = locks.ClientEpoch(*client);
+  if (CallingClient(request) != client) {
+    if (!request.failed()) request.Refuse(kClientNotRegistered, ": the calling thread acts for no connected client");
+    return std::nullopt;
+  }
+  return std::pair{*client, clientEpoch};
+}
+
 uint32_t RequestLocks(Request& request, std::span<const uint32_t> deviceIds, uint32_t timeout,
                       uint64_t* operationToken) {
   for (uint32_t deviceId : deviceIds)
     if (request.Device(deviceId) == nullptr) return request.code();
   if (request.Topology() == nullptr) return request.code();  // An empty list needs the topology too
-  const std::optional<uint32_t> client = CallingClient(request);
-  if (!client) return request.code();
-
   const std::shared_ptr<LiveTopology>& live = request.SharedTopology();
   DeviceLocks& locks = live->Locks();
-  const uint64_t clientEpoch = locks.ClientEpoch(*client);
-  const std::optional<DeviceLocks::Conflict> conflict = locks.TryTake(*client, deviceIds);
-  if (!conflict) {
-    *operationToken = receipts::FinishedReceipt(ReceiptOutcome::Success());
-  } else if (timeout == 0) {
-    *operationToken = receipts::FinishedReceipt(TimedOut(request.operation(), *live, timeout, *conflict));
-  } else {
-    std::optional<DeviceLocks::Clock::time_point> deadline;
-    if (timeout != VXT_INFINITE_TIMEOUT) deadline = DeviceLocks::Clock::now() + std::chrono::milliseconds(timeout);
-    *operationToken = receipts::RunReceipt([operation = request.operation(), live, client = *client, clientEpoch,
-                                            ids = std::vector<uint32_t>(deviceIds.begin(), deviceIds.end()), timeout,
-                                            deadline](std::stop_token stop) {
-      return AwaitLocks(operation, live, client, clientEpoch, ids, timeout, deadline, std::move(stop));
-    });
+  const auto caller = CallingClientAndEpoch(request, locks);
+  if (!caller) return request.code();
+  const uint32_t client = caller->first;
+  const uint64_t clientEpoch = caller->second;
+
+  const DeviceLocks::Result attempt = locks.TryTake(client, clientEpoch, deviceIds);
+  switch (attempt.outcome) {
+    case DeviceLocks::Outcome::Taken:
+      *operationToken = receipts::FinishedReceipt(ReceiptOutcome::Success());
+      return 0;
+    case DeviceLocks::Outcome::Retired:
+      return request.Refuse(kTopologyNotBuilt, ": the target's topology was dropped while the lock was asked for");
+    case DeviceLocks::Outcome::ClientGone:
+      return request.Refuse(kClientNotRegistered, ": client " + std::to_string(client) +
+                                                      " disconnected while the lock was asked for");
+    case DeviceLocks::Outcome::Busy:
+    case DeviceLocks::Outcome::TimedOut:
+    case DeviceLocks::Outcome::Canceled:  // TryTake neither waits nor watches a stop token
+      break;
   }
+  if (timeout == 0) {
+    *operationToken = receipts::FinishedReceipt(TimedOut(request.operation(), *live, timeout, attempt.conflict));
+    return 0;
+  }
+  std::optional<DeviceLocks::Clock::time_point> deadline;
+  if (timeout != VXT_INFINITE_TIMEOUT) deadline = DeviceLocks::Clock::now() + std::chrono::milliseconds(timeout);
+  *operationToken = receipts::RunReceipt([operation = request.operation(), live, client, clientEpoch,
+                                          ids = std::vector<uint32_t>(deviceIds.begin(), deviceIds.end()), timeout,
+                                          deadline](std::stop_token stop) {
+    return AwaitLocks(operation, live, client, clientEpoch, ids, timeout, deadline, std::move(stop));
+  });
   return 0;
 }
 
