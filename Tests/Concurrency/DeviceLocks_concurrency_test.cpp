@@ -1,8 +1,11 @@
 // Device locks under contention: two clients, each on several threads,
 // take and release the same devices; a lock awaited for ever is handed over
-// when another client breaks the holder's lock.
+// when another client breaks the holder's lock. And changes of one JTAG
+// chain's make-up from two threads at once, which must not mix.
 #include <atomic>
 #include <chrono>
+#include <cstring>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -10,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include "../../Source/Platform/Target/TargetModel.h"
 #include "InProc_Vxt.h"
 #include "PlatformTestControl.h"
 #include "VxtTestSupport.h"
@@ -22,6 +26,18 @@ using vxt::test::MakeClient;
 constexpr uint32_t kCore0 = 0x04000000;
 constexpr uint32_t kCore1 = 0x04000001;
 constexpr uint32_t kUncore = 0x05000000;
+constexpr uint32_t kChain = 0x0d000000;
+constexpr uint32_t kChainTaps[] = {0x0e000000, 0x0e000001, 0x0e000002};
+
+VXT_TapController Tap(const char* deviceType, const char* deviceSubType, const char* stepping, uint32_t irLength) {
+  VXT_TapController tap{};
+  tap.structureSize = VXT_TAP_CONTROLLER_SIZE;
+  std::strcpy(tap.deviceType, deviceType);
+  std::strcpy(tap.deviceSubType, deviceSubType);
+  std::strcpy(tap.stepping, stepping);
+  tap.irLength = irLength;
+  return tap;
+}
 
 template <class Service>
 Service& Get(uint32_t serviceId) {
@@ -170,6 +186,54 @@ TEST_F(DeviceLocksConcurrencyTest, AllWaitersOfOneClientShareTheBrokenLock) {
   EXPECT_EQ(broke, 1u);
   EXPECT_EQ(completed, kWaiters);
   EXPECT_EQ(Holder(kUncore), "alpha_1@here");
+}
+
+// Two threads declare different TAP controllers on the chain at the same
+// moment, or one declares while the other forgets declarations. Whichever
+// comes last, the TAP controllers' flags must be those of the declaration
+// that stands: a change that read the chain before the other stored its
+// declaration would leave flags of one and the declaration of the other.
+TEST_F(DeviceLocksConcurrencyTest, ChangesOfOneChainNeverMix) {
+  const VXT_TapController asDescribed[] = {Tap("CPU", "CoreComplex", "B0", 8), Tap("Uncore", "SystemAgent", "B0", 6),
+                                           Tap("Chipset", "PlatformHub", "A1", 4)};
+  const VXT_TapController cpuOnly[] = {Tap("CPU", "CoreComplex", "B0", 8)};
+  using Change = std::function<VXT_Result()>;
+  const Change changes[] = {
+      [&] { return devices_.SpecifyTopology(kChain, 3, asDescribed); },
+      [&] { return devices_.SpecifyTopology(kChain, 1, cpuOnly); },
+      [&] { return devices_.UpdateTopology(kChain, 2); },
+  };
+  constexpr int kRounds = 1500;
+  int mixed = 0;
+  for (int round = 0; round < kRounds; ++round) {
+    std::atomic<int> ready{0};
+    const Change& first = changes[round % 3];
+    const Change& second = changes[(round + 1 + round / 3 % 2) % 3];
+    std::atomic<int> failures{0};
+    const auto run = [&](const Change& change) {
+      ++ready;
+      while (ready < 2) std::this_thread::yield();
+      if (change() != 0) ++failures;
+    };
+    std::thread other(run, std::cref(second));
+    run(first);
+    other.join();
+    ASSERT_EQ(failures, 0);
+
+    // A declaration of the CPU alone leaves the other two absent; none, or
+    // the described one, leaves all three present.
+    const auto declared =
+        voxtrel::platform::target::TargetModel::Instance().Topology()->SpecifiedTapControllers(kChain);
+    const bool onlyCpu = declared && declared->size() == 1;
+    std::vector<uint32_t> flags;
+    for (uint32_t tap : kChainTaps) {
+      uint32_t enabled = 7;
+      EXPECT_EQ(devices_.IsDeviceEnabled(tap, &enabled), 0);
+      flags.push_back(enabled);
+    }
+    if (flags != (onlyCpu ? std::vector<uint32_t>{1, 0, 0} : std::vector<uint32_t>{1, 1, 1})) ++mixed;
+  }
+  EXPECT_EQ(mixed, 0);
 }
 
 }  // namespace

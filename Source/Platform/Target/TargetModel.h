@@ -53,10 +53,19 @@ class VOXTREL_PLATFORM_API LiveTopology {
   // True when the chain had a declaration.
   bool ForgetSpecifiedTapControllers(uint32_t jtagChainId);
 
+  // Held by a change of the chains' make-up from its first look at what a
+  // chain holds until it has stored what the chain holds now, so that two
+  // changes never leave the flags of one with the declaration of the other.
+  // Not held while anyone is told of the change.
+  [[nodiscard]] std::unique_lock<std::mutex> BeginReconfiguration() {
+    return std::unique_lock(reconfigurationMutex_);
+  }
+
  private:
   std::shared_ptr<const Topology> layout_;
   std::unique_ptr<std::atomic<bool>[]> enabled_;
   DeviceLocks locks_;
+  std::mutex reconfigurationMutex_;
   mutable std::mutex specifiedMutex_;
   std::map<uint32_t, std::vector<TapControllerSpecification>> specified_;
 };

@@ -141,9 +141,13 @@ uint32_t SpecifyTopology(uint32_t jtagChainId, uint32_t tapControllerCount,
 
   LiveTopology& live = *request.Topology();
   PublishStarted();
-  bool changed = CurrentTapControllers(live, *chain) != declared;
-  changed |= ApplyTapControllers(live, *chain, &declared);
-  live.SpecifyTapControllers(chain->id, std::move(declared));
+  bool changed = false;
+  {
+    const auto reconfiguring = live.BeginReconfiguration();
+    changed = CurrentTapControllers(live, *chain) != declared;
+    changed |= ApplyTapControllers(live, *chain, &declared);
+    live.SpecifyTapControllers(chain->id, std::move(declared));
+  }
   PublishCompleted(changed);
   return 0;
 }
@@ -161,16 +165,19 @@ uint32_t UpdateTopology(uint32_t deviceId, int32_t phases) {
   LiveTopology& live = *request.Topology();
   PublishStarted();
   bool changed = false;
-  ForEachInSubtree(live, *top, [&](const Node& node) {
-    if ((phases & kTopologyPhaseEnabledFlags) != 0) changed |= SetFlag(live, node.id, node.enabled);
-    if ((phases & kTopologyPhaseTapControllers) != 0 && node.type == NodeType::JTAGScanChain) {
-      const std::vector<TapControllerSpecification> before = CurrentTapControllers(live, node);
-      if (live.ForgetSpecifiedTapControllers(node.id)) {
-        changed |= before != CurrentTapControllers(live, node);
-        changed |= ApplyTapControllers(live, node, nullptr);
+  {
+    const auto reconfiguring = live.BeginReconfiguration();
+    ForEachInSubtree(live, *top, [&](const Node& node) {
+      if ((phases & kTopologyPhaseEnabledFlags) != 0) changed |= SetFlag(live, node.id, node.enabled);
+      if ((phases & kTopologyPhaseTapControllers) != 0 && node.type == NodeType::JTAGScanChain) {
+        const std::vector<TapControllerSpecification> before = CurrentTapControllers(live, node);
+        if (live.ForgetSpecifiedTapControllers(node.id)) {
+          changed |= before != CurrentTapControllers(live, node);
+          changed |= ApplyTapControllers(live, node, nullptr);
+        }
       }
-    }
-  });
+    });
+  }
   PublishCompleted(changed);
   return 0;
 }
