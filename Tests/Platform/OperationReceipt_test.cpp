@@ -2,6 +2,7 @@
 // receipts, and how they end, also while their work runs on a worker.
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstdio>
 #include <functional>
@@ -439,35 +440,23 @@ TEST(OperationReceipt, FlushOfAReceiptDestroyedMeanwhileGivesUnknownToken) {
 }
 
 TEST(OperationReceipt, ACanceledPendingOperationNeverRuns) {
-  // Keep every worker of the pool busy, so that the next work stays pending.
-  constexpr int kWorkers = 16;
-  std::latch started(kWorkers);
-  std::promise<void> release;
-  const std::shared_future<void> released = release.get_future().share();
-  std::vector<uint64_t> busy;
-  for (int i = 0; i < kWorkers; ++i) busy.push_back(receipts::RunReceipt(HeldWork{&started, released}));
-  started.wait();
-
+  tc::HoldReceiptWorkers(true);
   std::atomic<bool> ran = false;
   const uint64_t pending = receipts::RunReceipt([&ran](std::stop_token) {
     ran = true;
     return ReceiptOutcome::Success();
   });
+  const uint64_t next = receipts::RunReceipt([](std::stop_token) { return ReceiptOutcome::Success(); });
   EXPECT_EQ(StatusOf(pending), kPending);
-  EXPECT_EQ(StatusOf(busy.front()), kActive);
   EXPECT_EQ(Receipts().Cancel(pending), 0u);
   EXPECT_EQ(StatusOf(pending), kCanceled);
   EXPECT_EQ(ErrorResultOf(pending), 0x20008);
+  EXPECT_EQ(StatusOf(next), kPending);
 
-  release.set_value();
-  for (uint64_t token : busy) {
-    EXPECT_EQ(Receipts().Flush(token), 0u);
-    EXPECT_EQ(ValueOf(token).first, std::vector<uint8_t>{0x5a});
-  }
-  // Jobs are taken in order: once a later one has run, the canceled one has
-  // been taken and dropped.
-  const uint64_t later = receipts::RunReceipt([](std::stop_token) { return ReceiptOutcome::Success(); });
-  EXPECT_EQ(Receipts().Flush(later), 0u);
+  tc::HoldReceiptWorkers(false);
+  // Works are taken in order, so the canceled one is taken before the next.
+  EXPECT_EQ(Receipts().Flush(next), 0u);
+  EXPECT_EQ(StatusOf(next), kCompleted);
   EXPECT_FALSE(ran);
   EXPECT_EQ(StatusOf(pending), kCanceled);
 }
@@ -507,6 +496,31 @@ TEST(OperationReceipt, DestroyStopsARunningOperationAndDropsItsOutcome) {
   uint32_t status = 0;
   EXPECT_EQ(Receipts().GetOperationStatus(token, &status), 0x2000eu);
   EXPECT_EQ(Receipts().Destroy(token), 0x2000eu);
+}
+
+// However many works wait, a later one still runs: a fixed number of
+// waiting lock requests must not keep every other receipt pending.
+TEST(OperationReceipt, WaitingWorksNeverHoldUpALaterOne) {
+  constexpr int kWaiting = 40;
+  std::vector<uint64_t> waiting;
+  for (int i = 0; i < kWaiting; ++i) waiting.push_back(tc::StartGatedReceipt());
+  const uint64_t later = tc::StartDelayedReceipt(1, {{0x5a}, 8});
+
+  // Polled, not flushed, so that a pool that holds the work up fails the
+  // test instead of hanging it.
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (StatusOf(later) != kCompleted && std::chrono::steady_clock::now() < deadline)
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  EXPECT_EQ(StatusOf(later), kCompleted);
+
+  for (const uint64_t token : waiting) {
+    EXPECT_EQ(StatusOf(token), kActive);
+    EXPECT_EQ(Receipts().Cancel(token), 0u);
+    EXPECT_EQ(Receipts().Flush(token), 0u);
+    EXPECT_EQ(StatusOf(token), kCanceled);
+    EXPECT_EQ(Receipts().Destroy(token), 0u);
+  }
+  EXPECT_EQ(Receipts().Destroy(later), 0u);
 }
 
 TEST(OperationReceipt, ValuesAreCopiedWhenMade) {

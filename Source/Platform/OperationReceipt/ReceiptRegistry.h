@@ -45,6 +45,9 @@ class ReceiptRegistry {
   // says why there is none.
   uint32_t CopyValue(uint64_t token, BitData*& copy);
 
+  // While held, works stay "Pending": no worker takes one.
+  void HoldWork(bool hold) { workers_.Hold(hold); }
+
  private:
   struct Receipt {
     ReceiptStatus status = ReceiptStatus::Pending;
@@ -68,7 +71,7 @@ class ReceiptRegistry {
   std::condition_variable ended_;
   std::unordered_map<uint64_t, std::shared_ptr<Receipt>> receipts_;
   uint64_t lastToken_ = 0;
-  WorkerPool workers_{16};
+  WorkerPool workers_{4, std::chrono::seconds(5)};
 };
 
 // "Pending" to "Failed".

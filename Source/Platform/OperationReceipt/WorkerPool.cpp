@@ -6,34 +6,64 @@
 namespace voxtrel::platform::receipts {
 
 bool WorkerPool::Submit(std::function<void()> job) {
-  bool startWorker = false;
+  size_t toStart = 0;
   {
     const std::lock_guard lock(mutex_);
     jobs_.push_back(std::move(job));
-    startWorker = jobs_.size() > idle_ && workers_ < maxWorkers_;
-    if (startWorker) ++workers_;
+    toStart = ReserveWorkers();
   }
-  if (startWorker) {
+  if (!StartWorkers(toStart)) return false;
+  jobAdded_.notify_one();
+  return true;
+}
+
+void WorkerPool::Hold(bool hold) {
+  size_t toStart = 0;
+  {
+    const std::lock_guard lock(mutex_);
+    held_ = hold;
+    toStart = ReserveWorkers();
+  }
+  StartWorkers(toStart);
+  jobAdded_.notify_all();
+}
+
+size_t WorkerPool::ReserveWorkers() {
+  if (held_ || jobs_.size() <= idle_) return 0;
+  const size_t missing = jobs_.size() - idle_;
+  workers_ += missing;
+  return missing;
+}
+
+bool WorkerPool::StartWorkers(size_t count) {
+  for (size_t started = 0; started < count; ++started) {
     try {
       std::thread(&WorkerPool::Work, this).detach();
-      return true;
     } catch (const std::system_error&) {
       // The system has no thread to spare; the workers there are take the
-      // job in turn.
+      // jobs in turn.
       const std::lock_guard lock(mutex_);
-      --workers_;
-      if (workers_ == 0) return false;
+      workers_ -= count - started;
+      return workers_ != 0;
     }
   }
-  jobAdded_.notify_one();
   return true;
 }
 
 void WorkerPool::Work() {
   std::unique_lock lock(mutex_);
+  const auto hasJob = [this] { return !held_ && !jobs_.empty(); };
   for (;;) {
     ++idle_;
-    jobAdded_.wait(lock, [this] { return !jobs_.empty(); });
+    if (workers_ > keptWorkers_) {
+      if (!jobAdded_.wait_for(lock, idleLimit_, hasJob)) {
+        --idle_;
+        --workers_;
+        return;
+      }
+    } else {
+      jobAdded_.wait(lock, hasJob);
+    }
     --idle_;
     std::function<void()> job = std::move(jobs_.front());
     jobs_.pop_front();

@@ -54,6 +54,7 @@ bool BindThreadToClient(int32_t clientId) {
 void ResetTestControl() {
   CallInterceptor::Instance().Reset();
   platform::ResetTraceAndTelemetryControl();
+  HoldReceiptWorkers(false);
 }
 
 }  // namespace voxtrel::testing

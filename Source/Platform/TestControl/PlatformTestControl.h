@@ -159,6 +159,9 @@ VOXTREL_PLATFORM_API bool FailHeldReceipt(uint64_t token, uint32_t code, const s
 VOXTREL_PLATFORM_API uint64_t StartGatedReceipt(bool honoursCancel = true);
 // False when the token is not a gated receipt's or its gate is open.
 VOXTREL_PLATFORM_API bool OpenReceiptGate(uint64_t token, const ReceiptBits& value);
+// While held, the works of receipts stay "Pending": no worker takes one.
+// Released, they run in the order they were started.
+VOXTREL_PLATFORM_API void HoldReceiptWorkers(bool hold);
 
 // ---- Whole platform ---------------------------------------------------------
 

@@ -9,6 +9,7 @@
 #include <stop_token>
 #include <utility>
 
+#include "OperationReceipt/ReceiptRegistry.h"
 #include "OperationReceipt/Receipts.h"
 #include "PlatformTestControl.h"
 
@@ -119,5 +120,7 @@ bool OpenReceiptGate(uint64_t token, const ReceiptBits& value) {
   gate->opened.notify_all();
   return true;
 }
+
+void HoldReceiptWorkers(bool hold) { platform::receipts::ReceiptRegistry::Instance().HoldWork(hold); }
 
 }  // namespace voxtrel::testing
