@@ -110,8 +110,9 @@ struct TargetManagerComponent {
                                   VXT_PropertyValue* propertyValues);
   // Declares the TAP controllers a JTAG chain holds, from TDI to TDO, and
   // publishes "Reconfiguration" "Started" and "Completed". A described TAP
-  // controller that the declaration does not match at its place is absent
-  // (disabled) until UpdateTopology forgets the declaration.
+  // controller that the declaration does not match at its place is
+  // disabled; UpdateTopology puts the described flags back (phase 0x1) or
+  // forgets the declaration (phase 0x2).
   uint32_t (*SpecifyTopology)(uint32_t jtagChainId, uint32_t tapControllerCount,
                               const TargetManager_TapController* tapControllers);
   uint32_t (*SetDeviceEnabled)(uint32_t deviceId, bool enabled);
