@@ -22,22 +22,13 @@ namespace {
 
 namespace tc = voxtrel::testing;
 using vxt::test::MakeClient;
+using vxt::test::MakeTap;
 
 constexpr uint32_t kCore0 = 0x04000000;
 constexpr uint32_t kCore1 = 0x04000001;
 constexpr uint32_t kUncore = 0x05000000;
 constexpr uint32_t kChain = 0x0d000000;
 constexpr uint32_t kChainTaps[] = {0x0e000000, 0x0e000001, 0x0e000002};
-
-VXT_TapController Tap(const char* deviceType, const char* deviceSubType, const char* stepping, uint32_t irLength) {
-  VXT_TapController tap{};
-  tap.structureSize = VXT_TAP_CONTROLLER_SIZE;
-  std::strcpy(tap.deviceType, deviceType);
-  std::strcpy(tap.deviceSubType, deviceSubType);
-  std::strcpy(tap.stepping, stepping);
-  tap.irLength = irLength;
-  return tap;
-}
 
 template <class Service>
 Service& Get(uint32_t serviceId) {
@@ -194,9 +185,10 @@ TEST_F(DeviceLocksConcurrencyTest, AllWaitersOfOneClientShareTheBrokenLock) {
 // that stands: a change that read the chain before the other stored its
 // declaration would leave flags of one and the declaration of the other.
 TEST_F(DeviceLocksConcurrencyTest, ChangesOfOneChainNeverMix) {
-  const VXT_TapController asDescribed[] = {Tap("CPU", "CoreComplex", "B0", 8), Tap("Uncore", "SystemAgent", "B0", 6),
-                                           Tap("Chipset", "PlatformHub", "A1", 4)};
-  const VXT_TapController cpuOnly[] = {Tap("CPU", "CoreComplex", "B0", 8)};
+  const VXT_TapController asDescribed[] = {MakeTap("CPU", "CoreComplex", "B0", 8),
+                                           MakeTap("Uncore", "SystemAgent", "B0", 6),
+                                           MakeTap("Chipset", "PlatformHub", "A1", 4)};
+  const VXT_TapController cpuOnly[] = {MakeTap("CPU", "CoreComplex", "B0", 8)};
   using Change = std::function<VXT_Result()>;
   const Change changes[] = {
       [&] { return devices_.SpecifyTopology(kChain, 3, asDescribed); },

@@ -14,6 +14,7 @@ namespace {
 
 namespace tc = voxtrel::testing;
 using namespace vxt::test::device;
+using vxt::test::MakeTap;
 using Lines = std::vector<std::string>;
 
 std::string Hex16Text(uint64_t value) {
@@ -23,16 +24,6 @@ std::string Hex16Text(uint64_t value) {
 }
 
 std::string AddressText(const void* address) { return Hex16Text(reinterpret_cast<uintptr_t>(address)); }
-
-VXT_TapController Tap(const char* deviceType, const char* deviceSubType, const char* stepping, uint32_t irLength) {
-  VXT_TapController tap{};
-  tap.structureSize = VXT_TAP_CONTROLLER_SIZE;
-  std::strcpy(tap.deviceType, deviceType);
-  std::strcpy(tap.deviceSubType, deviceSubType);
-  std::strcpy(tap.stepping, stepping);
-  tap.irLength = irLength;
-  return tap;
-}
 
 class DeviceTraceTest : public vxt::test::DeviceTest {
  protected:
@@ -170,7 +161,7 @@ TEST_F(DeviceTraceTest, LocksTraceTimeoutsTokensAndTheBrokenFlag) {
 }
 
 TEST_F(DeviceTraceTest, ChangesTraceTheirRecordsAndTheReconfigurationTheyCause) {
-  const VXT_TapController taps[] = {Tap("CPU", "CoreComplex", "B0", 8), Tap("Uncore", "", "C0", 6)};
+  const VXT_TapController taps[] = {MakeTap("CPU", "CoreComplex", "B0", 8), MakeTap("Uncore", "", "C0", 6)};
   const std::string started = "InProc Event Service ReconfigurationEventHandler with devicesHaveChanged: False";
   const std::string changed = "InProc Event Service ReconfigurationEventHandler with devicesHaveChanged: True";
   EXPECT_EQ(TraceOf([&] { return devices->SpecifyTopology(kChain, 2, taps); }),

@@ -1,6 +1,7 @@
 #include "VxtTestSupport.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
 
@@ -13,6 +14,16 @@ VXT_Client MakeClient(uint32_t clientId, const std::string& identifier, uint32_t
   const size_t length = std::min(identifier.size(), sizeof client.identifier - 1);
   std::memcpy(client.identifier, identifier.data(), length);
   return client;
+}
+
+VXT_TapController MakeTap(const char* deviceType, const char* deviceSubType, const char* stepping, uint32_t irLength) {
+  VXT_TapController tap{};
+  tap.structureSize = VXT_TAP_CONTROLLER_SIZE;
+  std::snprintf(tap.deviceType, sizeof tap.deviceType, "%s", deviceType);
+  std::snprintf(tap.deviceSubType, sizeof tap.deviceSubType, "%s", deviceSubType);
+  std::snprintf(tap.stepping, sizeof tap.stepping, "%s", stepping);
+  tap.irLength = irLength;
+  return tap;
 }
 
 void PlatformTest::SetUp() {
