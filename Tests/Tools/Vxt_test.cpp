@@ -24,7 +24,7 @@ TEST(VxtClient, InfoShowsTheLibraryAndThisClient) {
   EXPECT_NE(run.output.find("Connected clients: 1\n"), std::string::npos) << run.output;
   EXPECT_NE(run.output.find("(this)\n"), std::string::npos) << run.output;
   EXPECT_NE(run.output.find("Target domains:   1\n"
-                            "  0x2000000  TargetDomain0  (packages: 1, cores: 2, threads: 4, TAP controllers: 3)\n"),
+                            "  0x02000000  TargetDomain0  (packages: 1, cores: 2, threads: 4, TAP controllers: 3)\n"),
             std::string::npos)
       << run.output;
 }

@@ -1,4 +1,5 @@
 // vxt info: what the library and the target say about themselves.
+#include <iomanip>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -47,8 +48,8 @@ void ShowTarget(Session& session, std::ostream& out) {
   for (const uint32_t domainId : domains) {
     char identifier[VXT_DEVICE_IDENTIFIER_SIZE] = "";
     Check(device.GetIdentifierForDeviceId(domainId, identifier), "GetIdentifierForDeviceId");
-    out << "  0x" << std::hex << domainId << std::dec << "  " << identifier << "  (" << DomainContents(device, domainId)
-        << ")\n";
+    out << "  0x" << std::hex << std::setw(8) << std::setfill('0') << domainId << std::setfill(' ') << std::dec << "  "
+        << identifier << "  (" << DomainContents(device, domainId) << ")\n";
   }
 }
 
@@ -85,14 +86,15 @@ void ShowInfo(Session& session, std::ostream& out) {
   }
 }
 
-const bool registered = RegisterCommand({"info", "Connect and show what the library and the target say about themselves",
-                                         [](CLI::App&, CommandArguments&) {},
-                                         [](const CommandArguments&, const SessionOptions& options, std::ostream& out) {
-                                           Session session(options);
-                                           ShowInfo(session, out);
-                                           ShowTarget(session, out);
-                                           return 0;
-                                         }});
+const bool registered =
+    RegisterCommand({"info", "Connect and show what the library and the target say about themselves",
+                     [](CLI::App&, CommandArguments&) {},
+                     [](const CommandArguments&, const SessionOptions& options, std::ostream& out) {
+                       Session session(options);
+                       ShowInfo(session, out);
+                       ShowTarget(session, out);
+                       return 0;
+                     }});
 
 }  // namespace
 }  // namespace vxt::cli
