@@ -534,6 +534,52 @@ TEST_F(BitDataOperationsTest, APatternRepeatsInPiecesOf32BitsInsideTheFieldOnly)
   EXPECT_EQ(ops->SetBitRangeToPattern(&nothing, 0, 0, 0x1), VXT_SUCCESS);
 }
 
+// A client that changes bitSize in its record reaches no further than the
+// vector's real length: an in-place change that would run past it is
+// refused by the library with its own code, and the vector is left exactly
+// as it was, also where the change is made of several library calls.
+TEST_F(BitDataOperationsTest, AChangeRefusedOnAForgedLengthLeavesTheVectorAsItWas) {
+  const VXT_BitData other = Make(16, 0xffff);
+  const std::string offsetInvalid = "Bit offset invalid";
+  const std::string rangeInvalid = "Bit range invalid";
+  using Call = std::function<VXT_Result(const VXT_BitData&)>;
+  struct Change {
+    const char* what;
+    Call call;
+    VXT_Result code;
+    std::string message;
+  };
+  const Change changes[] = {
+      // Its first piece of 32 bits fits, the second does not.
+      {"pattern", [&](auto& r) { return ops->SetBitRangeToPattern(&r, 0, 64, 0xffffffff); },
+       VXT_E_BITDATA_BIT_RANGE_INVALID, rangeInvalid},
+      {"pattern from inside", [&](auto& r) { return ops->SetBitRangeToPattern(&r, 8, 80, 0xffffffff); },
+       VXT_E_BITDATA_BIT_OFFSET_INVALID, offsetInvalid},
+      {"shift", [&](auto& r) { return ops->ShiftLeft(&r, 1); }, VXT_E_BITDATA_BIT_RANGE_INVALID, rangeInvalid},
+      {"shift field", [&](auto& r) { return ops->ShiftRightBitRange(&r, 30, 20, 1); },
+       VXT_E_BITDATA_BIT_RANGE_INVALID, rangeInvalid},
+      {"reverse field", [&](auto& r) { return ops->ReverseBitRange(&r, 0, 64); }, VXT_E_BITDATA_BIT_RANGE_INVALID,
+       rangeInvalid},
+      {"randomize field", [&](auto& r) { return ops->RandomizeBits(&r, 32, 16); }, VXT_E_BITDATA_BIT_RANGE_INVALID,
+       rangeInvalid},
+      {"invert", [&](auto& r) { return ops->Invert(&r, 36, 8, 0); }, VXT_E_BITDATA_BIT_RANGE_INVALID, rangeInvalid},
+      {"invert bit", [&](auto& r) { return ops->InvertBit(&r, 50); }, VXT_E_BITDATA_BIT_OFFSET_INVALID,
+       offsetInvalid},
+      {"set bit", [&](auto& r) { return ops->SetBitOn(&r, 60); }, VXT_E_BITDATA_BIT_OFFSET_INVALID, offsetInvalid},
+      {"bitwise",
+       [&](auto& r) { return ops->BitwiseOp(&r, 32, 16, &other, 0, 16, &other, 0, 16, VXT_BitwiseOperation_XOR); },
+       VXT_E_BITDATA_BIT_RANGE_INVALID, rangeInvalid},
+  };
+  for (const Change& change : changes) {
+    VXT_BitData record = Make(40, 0x5a5a5a5a5a);
+    record.bitSize = 100;
+    EXPECT_EQ(change.call(record), change.code) << change.what;
+    EXPECT_EQ(GetLastErrorMessage(), change.message) << change.what;
+    record.bitSize = 40;
+    EXPECT_EQ(Hex(record), "0x5a5a5a5a5a") << change.what;
+  }
+}
+
 // ---- Trace -------------------------------------------------------------------
 
 TEST_F(BitDataOperationsTest, TraceShowsEachFamilysArgumentsAndResults) {

@@ -38,6 +38,23 @@ uint32_t ShiftField(Call& call, const VXT_BitData* bitData, uint32_t bitOffset, 
 // The piece length of SetBitRangeToPattern.
 constexpr uint64_t kPatternBits = 32;
 
+// Repeats `value` over the field in pieces of 32 bits from bitOffset on, the
+// last piece shorter and holding the low bits. The pieces are written from
+// the top down: a record may say more than its vector holds, and then the
+// first piece tried is the one the library refuses, so that a refused call
+// has changed nothing.
+uint32_t WritePattern(BitData* object, uint32_t bitOffset, uint32_t bitSize, uint32_t value) {
+  if (bitSize == 0) return code::kSuccess;
+  const uint64_t end = uint64_t{bitOffset} + bitSize;
+  uint64_t position = bitOffset + (uint64_t{bitSize} - 1) / kPatternBits * kPatternBits;
+  for (;;) {
+    const uint64_t piece = std::min(kPatternBits, end - position);
+    if (const uint32_t written = BitData_SetUpToUInt64(object, position, piece, value); written != 0) return written;
+    if (position == bitOffset) return code::kSuccess;
+    position -= kPatternBits;
+  }
+}
+
 }  // namespace
 
 VXT_Result InProc_BitDataOperations::ShiftLeft(const VXT_BitData* bitData, int32_t numBits) {
@@ -146,16 +163,7 @@ VXT_Result InProc_BitDataOperations::SetBitRangeToPattern(const VXT_BitData* bit
                             .Holding(bitData, "bitData")
                             .Managed(bitData, object, "bitData")
                             .BitRange(bitData, bitOffset, bitSize, "bitData")
-                            .Core([&] {
-                              const uint64_t end = uint64_t{bitOffset} + bitSize;
-                              for (uint64_t position = bitOffset; position < end; position += kPatternBits) {
-                                const uint64_t piece = std::min(kPatternBits, end - position);
-                                if (const uint32_t written = BitData_SetUpToUInt64(object, position, piece, value);
-                                    written != 0)
-                                  return written;
-                              }
-                              return code::kSuccess;
-                            });
+                            .Core([&] { return WritePattern(object, bitOffset, bitSize, value); });
                       });
 }
 
