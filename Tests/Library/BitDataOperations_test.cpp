@@ -444,6 +444,34 @@ TEST_F(BitDataOperationsTest, BitwiseOpCombinesFieldsWithOrFirstInItsNumbering) 
   }
 }
 
+// The operands' sizes only pass their own fields; destBitSize bits are taken
+// from each operand's offset, past its field as far as its vector reaches.
+TEST_F(BitDataOperationsTest, BitwiseOpTakesDestBitSizeBitsOfEachOperand) {
+  const VXT_BitData wideLeft = Make(16, 0x00f0);
+  const VXT_BitData narrowLeft = Make(8, 0xff);
+  const VXT_BitData zeros = Make(16);
+  struct Case {
+    const char* what;
+    const VXT_BitData* left;
+    uint32_t leftBitSize;
+    uint32_t destBitSize;
+    VXT_Result code;
+    std::string hex;
+  };
+  const Case cases[] = {
+      {"past the left field", &wideLeft, 4, 8, VXT_SUCCESS, "0x00f0"},
+      {"past the left vector", &narrowLeft, 8, 16, VXT_E_BITDATA_BIT_RANGE_INVALID, "0x0000"},
+  };
+  for (const Case& c : cases) {
+    const VXT_BitData dest = Make(16);
+    EXPECT_EQ(ops->BitwiseOp(&dest, 0, c.destBitSize, c.left, 0, c.leftBitSize, &zeros, 0, 4, VXT_BitwiseOperation_OR),
+              c.code)
+        << c.what;
+    EXPECT_EQ(Hex(dest), c.hex) << c.what;
+  }
+  EXPECT_STREQ(GetLastErrorMessage(), "Bit range invalid");
+}
+
 TEST_F(BitDataOperationsTest, InvertReverseAndTheirFields) {
   VXT_BitData record = Make(8, 0xa5);
   ASSERT_EQ(ops->Invert(&record, 0, 4, 0x12345678), VXT_SUCCESS);
