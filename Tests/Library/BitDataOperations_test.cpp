@@ -249,6 +249,48 @@ TEST_F(BitDataOperationsTest, ASizeQueryReportsTheEstimateOfEachForm) {
   }
 }
 
+// What a caller does with a size query: a buffer of the estimate and one
+// more for the terminating zero holds the whole text of a vector of any
+// length with every bit set. The decimal, hexadecimal and binary estimates
+// can equal the text's length, so the one more is needed.
+TEST_F(BitDataOperationsTest, TheEstimateAndOneMoreHoldTheWholeText) {
+  using TextOperation = VXT_Result (IInternalService_BitDataOperations::*)(const VXT_BitData*, char*, uint32_t,
+                                                                           uint32_t*);
+  struct Form {
+    const char* name;
+    TextOperation operation;
+  };
+  const Form forms[] = {
+      {"general", &IInternalService_BitDataOperations::ToString},
+      {"decimal", &IInternalService_BitDataOperations::ToStringDecimal},
+      {"hexadecimal", &IInternalService_BitDataOperations::ToStringHexadecimal},
+      {"binary", &IInternalService_BitDataOperations::ToStringBinary},
+  };
+  std::vector<std::string> filled;
+  for (const uint32_t bitSize : {1u, 4u, 10u, 20u, 64u, 65u, 1000u}) {
+    VXT_BitData ones = Make(bitSize);
+    ASSERT_EQ(ops->Invert(&ones, 0, bitSize, 0), VXT_SUCCESS);
+    for (const Form& form : forms) {
+      uint32_t estimate = 0;
+      ASSERT_EQ((ops->*form.operation)(&ones, nullptr, 0, &estimate), VXT_SUCCESS);
+      std::vector<char> roomy(estimate + 64, 'x');
+      uint32_t length = 0;
+      ASSERT_EQ((ops->*form.operation)(&ones, roomy.data(), estimate + 64, &length), VXT_SUCCESS);
+      std::vector<char> exact(estimate + 1, 'x');
+      uint32_t written = 0;
+      ASSERT_EQ((ops->*form.operation)(&ones, exact.data(), estimate + 1, &written), VXT_SUCCESS);
+      EXPECT_EQ(std::string(exact.data(), written), std::string(roomy.data(), length)) << form.name << " " << bitSize;
+      EXPECT_LE(length, estimate) << form.name << " " << bitSize;
+      if (length == estimate) filled.push_back(std::string(form.name) + " " + std::to_string(bitSize));
+    }
+  }
+  // The general form always has room to spare.
+  EXPECT_EQ(filled, (std::vector<std::string>{"decimal 1", "hexadecimal 1", "binary 1", "decimal 4", "hexadecimal 4",
+                                              "binary 4", "decimal 10", "hexadecimal 10", "binary 10", "decimal 20",
+                                              "hexadecimal 20", "binary 20", "hexadecimal 64", "binary 64",
+                                              "hexadecimal 65", "binary 65", "hexadecimal 1000", "binary 1000"}));
+}
+
 TEST_F(BitDataOperationsTest, TextIsCutToTheCallersBuffer) {
   const VXT_BitData record = Make(12, 0xabc);
   char buffer[8] = "zzzzzzz";
