@@ -478,6 +478,37 @@ TEST_F(BitDataTest, ADepartingClientsVectorsAreFreedInHandleOrderAndTheirHandles
   EXPECT_EQ(Hex(kept), "0x11");
 }
 
+// The level-3 line for each vector left behind is written only while that
+// level is on and logging is not held off; the vectors are freed and their
+// handles come back either way.
+TEST_F(BitDataTest, LeftVectorsAreFreedWhetherOrNotTheirLinesAreWritten) {
+  struct Logging {
+    const char* what;
+    uint32_t lowestLevel;
+    bool suppressed;
+    std::vector<std::string> lines;
+  };
+  const Logging loggings[] = {
+      {"level 3 on", 3, false,
+       {"InProc_BitData::_ClientCloseCallback Client (9) did not destroy BitData handle (2)",
+        "InProc_BitData::_ClientCloseCallback Client (9) did not destroy BitData handle (3)"}},
+      {"level 3 off", 4, false, {}},
+      {"held off", 1, true, {}},
+  };
+  for (const Logging& logging : loggings) {
+    tc::SetLogLevel(logging.lowestLevel);
+    tc::SetLoggingSuppressed(logging.suppressed);
+    ClearTrace();
+    std::vector<uint64_t> handles;
+    AsOtherClient(9, [&] { handles = {Make(8).dataHandle, Make(8).dataHandle}; });
+    tc::SetLoggingSuppressed(false);
+    tc::SetLogLevel(1);
+    // The handles of the row before came back, oldest first.
+    EXPECT_EQ(handles, (std::vector<uint64_t>{2, 3})) << logging.what;
+    EXPECT_EQ(LeftBehindLines(), logging.lines) << logging.what;
+  }
+}
+
 TEST_F(BitDataTest, OneClientCannotReachAnothersVector) {
   const VXT_BitData mine = Make(8, 0x11);
   AsOtherClient(9, [&] {
