@@ -333,6 +333,32 @@ TEST_F(BitDataTest, FieldsAreReadAndWrittenWhereTheySay) {
   EXPECT_EQ(Hex(source), "0xabc");
 }
 
+// The raw bytes of a field go into exactly maxValues bytes: cut to them when
+// the field needs more, zeros behind the field when it needs fewer, and
+// nothing written past them.
+TEST_F(BitDataTest, RawBitsFillExactlyTheBytesTheCallerAllows) {
+  const VXT_BitData source = Make(24, 0x12abcd);
+  struct Case {
+    uint32_t bitOffset;
+    uint32_t bitSize;
+    uint32_t maxValues;
+    std::vector<uint8_t> bytes;  // The whole buffer afterwards, 0xee untouched
+  };
+  const Case cases[] = {
+      {0, 16, 1, {0xcd, 0xee, 0xee, 0xee}},
+      {0, 16, 2, {0xcd, 0xab, 0xee, 0xee}},
+      {0, 16, 4, {0xcd, 0xab, 0x00, 0x00}},
+      {4, 12, 3, {0xbc, 0x0a, 0x00, 0xee}},
+      {0, 24, 0, {0xee, 0xee, 0xee, 0xee}},
+  };
+  for (const Case& c : cases) {
+    std::vector<uint8_t> buffer(4, 0xee);
+    EXPECT_EQ(bits->ExtractAsRawBits(&source, c.bitOffset, c.bitSize, buffer.data(), c.maxValues), VXT_SUCCESS)
+        << c.bitOffset << " " << c.bitSize << " " << c.maxValues;
+    EXPECT_EQ(buffer, c.bytes) << c.bitOffset << " " << c.bitSize << " " << c.maxValues;
+  }
+}
+
 TEST_F(BitDataTest, CopyIsAVectorOfItsOwn) {
   const VXT_BitData source = Make(12, 0xabc);
   VXT_BitData copy = EmptyRecord();
