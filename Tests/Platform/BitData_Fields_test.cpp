@@ -72,12 +72,17 @@ TEST(BitDataFields, CopyRefusesFieldsPastTheEnd) {
     SCOPED_TRACE(::testing::Message() << c.sourceOffset << " " << c.destinationOffset << " " << c.size);
     BitData_SetUpToUInt64(destination.get(), 0, 16, 0);
     EXPECT_EQ(BitData_Copy(source.get(), c.sourceOffset, destination.get(), c.destinationOffset, c.size), c.code);
+    // The check alone agrees with the copy on whichever side refuses.
+    const uint32_t sourceCode = BitData_CheckField(source.get(), c.sourceOffset, c.size);
+    EXPECT_EQ(sourceCode != 0 ? sourceCode : BitData_CheckField(destination.get(), c.destinationOffset, c.size),
+              c.code);
     if (c.code != 0) {
       EXPECT_EQ(BitData_GetUInt64(destination.get(), 0), 0u);
     }
   }
   EXPECT_EQ(BitData_Copy(nullptr, 0, destination.get(), 0, 0), BITDATA_NULL_ARGUMENT);
   EXPECT_EQ(BitData_Copy(source.get(), 0, nullptr, 0, 0), BITDATA_NULL_ARGUMENT);
+  EXPECT_EQ(BitData_CheckField(nullptr, 0, 0), BITDATA_NULL_ARGUMENT);
 }
 
 TEST(BitDataFields, GetBufferWritesTheBitsFromTheOffsetThenZeros) {

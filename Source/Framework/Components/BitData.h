@@ -72,6 +72,10 @@ VOXTREL_PLATFORM_API uint32_t BitData_Resize(BitData* object, uint64_t newBitSiz
 
 // --- Fields ------------------------------------------------------------------
 
+// 0 when the field lies within the vector; otherwise the code every field
+// function gives for it. Lets a caller refuse a field before it sets aside
+// room for a copy of it.
+VOXTREL_PLATFORM_API uint32_t BitData_CheckField(const BitData* object, uint64_t bitOffset, uint64_t bitSize);
 // Copies a field; source and destination may be the same vector, with the
 // two fields overlapping.
 VOXTREL_PLATFORM_API uint32_t BitData_Copy(const BitData* source, uint64_t sourceOffset, BitData* destination,

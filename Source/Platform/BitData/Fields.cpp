@@ -6,6 +6,10 @@
 
 using namespace voxtrel::bitdata;
 
+uint32_t BitData_CheckField(const BitData* object, uint64_t bitOffset, uint64_t bitSize) {
+  return CheckField(object, bitOffset, bitSize);
+}
+
 uint32_t BitData_Copy(const BitData* source, uint64_t sourceOffset, BitData* destination,
                       uint64_t destinationOffset, uint64_t bitSize) {
   if (source == nullptr || destination == nullptr) return BITDATA_NULL_ARGUMENT;

@@ -112,9 +112,10 @@ uint32_t InProc_BitData::EnterFromText(VXT_BitData* record, const char* text) {
 uint32_t InProc_BitData::EnterField(VXT_BitData* record, const BitData* source, uint32_t bitOffset,
                                     uint32_t bitSize) {
   return Enter(record, [&](ManagedBitData& field) {
-    field.reset(BitData_CreateManaged(bitSize));
     // The record's bitSize may say more than the vector holds; the library
-    // refuses a field beyond the real end.
+    // refuses a field beyond the real end, before room is set aside for it.
+    if (const uint32_t refused = BitData_CheckField(source, bitOffset, bitSize); refused != 0) return refused;
+    field.reset(BitData_CreateManaged(bitSize));
     return BitData_Copy(source, bitOffset, field.get(), 0, bitSize);
   });
 }
@@ -193,6 +194,7 @@ uint32_t InProc_BitData::_ExtractAsRawBits(const VXT_BitData* record, uint32_t b
   if (const uint32_t failure = _CheckBitRange(record, bitOffset, bitSize, reportBitData); failure != 0)
     return failure;
 
+  if (const uint32_t refused = BitData_CheckField(source, bitOffset, bitSize); refused != 0) return refused;
   const ManagedBitData field(BitData_CreateManaged(bitSize));
   if (const uint32_t failure = BitData_Copy(source, bitOffset, field.get(), 0, bitSize); failure != 0) return failure;
   // A buffer too small for the field receives the bytes that fit.
