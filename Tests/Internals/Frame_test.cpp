@@ -1,4 +1,6 @@
 // The call frame, seen through a small service written with it.
+#include <functional>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -115,6 +117,11 @@ INSTANTIATE_TEST_SUITE_P(
                     static_cast<VXT_Result>(0x80000003),
                     "the component says why"},
         FailureCase{"ComponentThrows", &kGood, {0, "", 0, true}, static_cast<VXT_Result>(0x8000000f), "", 0x20009},
+        FailureCase{"ComponentPostsThenThrows",
+                    &kGood,
+                    {0, "posted before the throw", 0x20002, true},
+                    static_cast<VXT_Result>(0x8000000f),
+                    "posted before the throw"},
         FailureCase{
             "NoRowForCode", &kGood, {0x123456, "", 0, false, 0}, static_cast<VXT_Result>(0x8000000f), "", 0x123456}),
     [](const auto& info) { return info.param.name; });
@@ -166,6 +173,138 @@ TEST_F(FrameTest, ErrorContextOfTheCallDoesNotLeakIntoTheCaller) {
   probe.Count(1, &goodRecord, nullptr);
   EXPECT_EQ(GetContextMessage(outer.id()), "");
   EXPECT_EQ(probe.Count(1, &goodRecord, &count), 0);
+}
+
+// An operation whose site and body the test chooses, with one in and one
+// out argument in hexadecimal, so that a trailer after them must switch the
+// stream back to decimal.
+template <class Body>
+VXT_Result RunProbe(const ServiceLogger& logger, const OperationSite& site, uint32_t* value, Body body) {
+  return RunOperation(logger, site, TraceArgs("deviceId", Hex8{0x1au}), TraceArgs("value", Out<Hex8>(value)), body);
+}
+
+// The forms of the Out line: its level, and whether it ends with the client
+// id. Every other line of the call keeps its level and trailer.
+TEST_F(FrameTest, OutLineForms) {
+  struct Form {
+    const char* name;
+    OperationSite site;
+    uint32_t outLevel;
+    std::string outLine;
+  };
+  const OperationSite site = VXT_OPERATION(Probe, Read);
+  const Form forms[] = {
+      {"plain", site, 1, "Out InProc_Probe::Read(value = 0x00000007) ErrorCode = 0x00000000 [ClientID: 0]"},
+      {"large results", site.LargeOut(), 2, "Out InProc_Probe::Read(value = 0x00000007) ErrorCode = 0x00000000"},
+      {"large results at level 1", site.UntrailedOut(), 1,
+       "Out InProc_Probe::Read(value = 0x00000007) ErrorCode = 0x00000000"},
+  };
+  for (const Form& form : forms) {
+    SCOPED_TRACE(form.name);
+    ClearTrace();
+    uint32_t value = 0;
+    EXPECT_EQ(RunProbe(probe.logger, form.site, &value,
+                       [&](Call& call) {
+                         return call.Core([&] {
+                           value = 7;
+                           return 0u;
+                         });
+                       }),
+              0);
+    EXPECT_EQ(tc::CapturedTrace(),
+              (std::vector<tc::TraceLine>{{1, 1, "In  InProc_Probe::Read(deviceId = 0x0000001a) [ClientID: 0]", 0},
+                                          {1, form.outLevel, form.outLine, 0}}));
+  }
+}
+
+// With level 1 off, an operation with large results writes its Out line
+// alone; the other operations write nothing.
+TEST_F(FrameTest, LargeOutLineIsWrittenWhileLevelOneIsOff) {
+  tc::SetLogLevel(2);
+  const OperationSite site = VXT_OPERATION(Probe, Read);
+  uint32_t value = 0;
+  const auto succeed = [](Call& call) { return call.Core([] { return 0u; }); };
+  RunProbe(probe.logger, site, &value, succeed);
+  RunProbe(probe.logger, site.UntrailedOut(), &value, succeed);
+  RunProbe(probe.logger, site.LargeOut(), &value, succeed);
+  EXPECT_EQ(Trace(), (std::vector<std::string>{"Out InProc_Probe::Read(value = 0x00000000) ErrorCode = 0x00000000"}));
+}
+
+// The client id of every trailer is decimal, whatever base the values ahead
+// of it left the line's stream in.
+TEST_F(FrameTest, TrailersShowTheCallingClientInDecimal) {
+  const CommonComponent* common = nullptr;
+  Voxtrel_GetCommon(&common);
+  const VXT_Client client = test::MakeClient(26, "frame_26@localhost");
+  ASSERT_EQ(common->RegisterClient(&client), 0u);
+  uint32_t value = 0;
+  const VXT_Result result = RunProbe(probe.logger, VXT_OPERATION(Probe, Read), &value,
+                                     [](Call& call) { return call.Fail(0x20002, "refused at ", Hex8{0xffu}).code(); });
+  common->UnregisterClient(26);
+  EXPECT_EQ(result, static_cast<VXT_Result>(0x80000003));
+  EXPECT_EQ(Trace(), (std::vector<std::string>{
+                         "In  InProc_Probe::Read(deviceId = 0x0000001a) [ClientID: 26]",
+                         "VXT Error = 'refused at 0x000000ff' [ClientID: 26]",
+                         "In  InProc ReportErrorMessage(<NULL>'refused at 0x000000ff')",
+                         "Out InProc ReportErrorMessage()",
+                         "Out InProc_Probe::Read(value = 0x00000000) ErrorCode = 0x80000003 [ClientID: 26]",
+                     }));
+}
+
+// Whatever the body throws becomes 0x20009: an empty post, then the text
+// the body wrote before it threw, if any, which becomes the last error.
+TEST_F(FrameTest, ThrowingBodies) {
+  struct Case {
+    const char* name;
+    std::function<uint32_t(Call&)> body;
+    std::string lastError;  // Empty: the standing text of 0x20009
+  };
+  const Case cases[] = {
+      {"a check throws", [](Call&) -> uint32_t { throw std::runtime_error("check"); }, ""},
+      {"the core throws after writing to the message stream",
+       [](Call& call) {
+         return call.Core([&]() -> uint32_t {
+           call.message() << "half done";
+           throw std::runtime_error("core");
+         });
+       },
+       "half done"},
+      {"a failed check is overtaken by a throw",
+       [](Call& call) -> uint32_t {
+         call.Fail(0x20000, "first text");
+         throw std::runtime_error("after the check");
+       },
+       "first text"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    ClearTrace();
+    uint32_t value = 0;
+    EXPECT_EQ(RunProbe(probe.logger, VXT_OPERATION(Probe, Read), &value, c.body), static_cast<VXT_Result>(0x8000000f));
+    const std::string expected = c.lastError.empty() ? Voxtrel_ErrorGetDefaultMessage(0x20009) : c.lastError;
+    EXPECT_EQ(LastErrorMessage(), expected);
+    EXPECT_EQ(Trace().back(), "Out InProc_Probe::Read(value = 0x00000000) ErrorCode = 0x8000000f [ClientID: 0]");
+  }
+}
+
+// A trace argument that throws while its line is rendered.
+struct ThrowsWhenRendered {
+  friend std::ostream& operator<<(std::ostream& out, ThrowsWhenRendered) {
+    throw std::runtime_error("rendering");
+    return out;
+  }
+};
+
+// An exception outside the catch-all (here from the Out line) still closes
+// the call's error context: what is posted after it lands in the caller's.
+TEST_F(FrameTest, ErrorContextIsClosedWhenAnExceptionPassesTheFrame) {
+  const ErrorContextScope outer;
+  EXPECT_THROW(
+      RunOperation(probe.logger, VXT_OPERATION(Probe, Read), NoArgs{}, TraceArgs("value", ThrowsWhenRendered{}),
+                   [](Call& call) { return call.Fail(0x20000, "inner text").code(); }),
+      std::runtime_error);
+  Voxtrel_ErrorPostError(0x20002, "outer text", __FILE__, __LINE__);
+  EXPECT_EQ(GetContextMessage(outer.id()), "outer text");
 }
 
 // The last error is "<source>: <message>", leaving out what is null or empty;

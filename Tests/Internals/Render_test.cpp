@@ -94,8 +94,8 @@ TEST(RenderTest, StreamStateWithinALine) {
   ExpectAll({
       {"dec after hex8", Line(Hex8{10u}, " ", Dec{10u}), "0x0000000a 10"},
       {"hex8 after dec", Line(Dec{10u}, " ", Hex8{10u}), "10 0x0000000a"},
-      {"unnamed value after hex8 prints bare hexadecimal, unpadded",
-       Line(Hex8{1u}, " ", Enum<BreakpointTypeName>{77u}), "0x00000001 4d"},
+      {"unnamed value after hex8 prints bare hexadecimal, unpadded", Line(Hex8{1u}, " ", Enum<BreakpointTypeName>{77u}),
+       "0x00000001 4d"},
       {"unnamed value after dec prints decimal", Line(Hex8{1u}, " ", Dec{2u}, " ", Enum<BreakpointTypeName>{77u}),
        "0x00000001 2 77"},
       {"unnamed port byte size after hex16", Line(Hex16{uint64_t{1}}, " ", Enum<PortByteSizeName>{8u}),
@@ -107,82 +107,90 @@ TEST(RenderTest, StreamStateWithinALine) {
        "<NULL> 1 0x0000000000000002 10"},
       {"hex digits stay lower case after a pointer",
        Line(Pointer{reinterpret_cast<const void*>(0xabcu)}, " ", Hex8{0xabu}), "0000000000000ABC 0x000000ab"},
-      {"an unnamed value after a pointer is lower case",
-       Line(Pointer{nullptr}, " ", Enum<BreakpointTypeName>{0xabu}), "0000000000000000 ab"},
+      {"an unnamed value after a pointer is lower case", Line(Pointer{nullptr}, " ", Enum<BreakpointTypeName>{0xabu}),
+       "0000000000000000 ab"},
       {"dec after a negative hex8", Line(Hex8{int32_t{-1}}, " ", Dec{int32_t{-1}}), "0xffffffff -1"},
   });
 }
 
-// One row per index table: its first and last names and the first value
-// past the table, which has no name.
+// Every index table, name by name from 0, and the first value past it,
+// which has no name. A misspelt, missing or doubled name fails here.
 struct IndexTable {
   const char* table;
   const char* (*nameOf)(uint32_t);
-  uint32_t lastValue;
-  const char* firstName;
-  const char* lastName;
+  std::vector<std::string> names;
 };
 
 TEST(EnumNamesTest, IndexTablesNameTheirRangeAndNothingElse) {
   const IndexTable tables[] = {
-      {"InstructionType", InstructionTypeName, VXT_InstructionType_XBit, "16Bit", "XBit"},
-      {"PinsState", PinsStateName, VXT_PinsState_Deassert, "Assert", "Deassert"},
-      {"PinsSignal", PinsSignalName, VXT_PinsSignal_PWRGOOD, "HOOK0", "PWRGOOD"},
-      {"BitwiseOperation", BitwiseOperationName, VXT_BitwiseOperation_XOR, "OR", "XOR"},
-      {"BreakAllSetting", BreakAllSettingName, VXT_BreakAllSetting_Enabled, "Disabled", "Enabled"},
-      {"AddressType", AddressTypeName, VXT_AddressType_ThreeFieldLogical, "Physical", "ThreeFieldLogical"},
-      {"BreakpointDataSize", BreakpointDataSizeName, VXT_BreakpointDataSize_Data_Size_8, "Data_Size_1",
-       "Data_Size_8"},
-      {"DebugRegister", DebugRegisterName, VXT_DebugRegister_Register_3, "Register_Any", "Register_3"},
-      {"NodeType", NodeTypeName, VXT_NodeType_VirtualJTAGScanChain, "Unknown", "VirtualJTAGScanChain"},
-      {"InterfacePortState", InterfacePortStateName, VXT_InterfacePortState_Offline, "Unknown", "Offline"},
-      {"JtagRepeatType", JtagRepeatTypeName, VXT_JtagRepeatType_TRIGGER_OR_FAIL_AT_MAX_ITER, "MAX_ITER",
-       "TRIGGER_OR_FAIL_AT_MAX_ITER"},
-      {"JtagState", JtagStateName, VXT_JtagState_UpdIR, "TLR", "UpdIR"},
-      {"JtagResetType", JtagResetTypeName, VXT_JtagResetType_TRST_ONLY, "TLR_TRST", "TRST_ONLY"},
-      {"JtagWaitType", JtagWaitTypeName, VXT_JtagWaitType_COUNT_OR_TRIG_TRIGTO, "COUNT", "COUNT_OR_TRIG_TRIGTO"},
-      {"OperationStatus", OperationStatusName, VXT_OperationStatus_Failed, "Pending", "Failed"},
-      {"SurvivabilityPreset", SurvivabilityPresetName, VXT_SurvivabilityPreset_Custom, "PlatformDefault", "Custom"},
-      {"TransportFeature", TransportFeatureName, VXT_TransportFeature_Trace, "Transport", "Trace"},
-      {"Preference", PreferenceName, VXT_Preference_Disfavor, "Dont_Care", "Disfavor"},
-      {"PreconditionState", PreconditionStateName, VXT_PreconditionState_Unknown, "False", "Unknown"},
-      {"CpuidRegister", CpuidRegisterName, VXT_CpuidRegister_EDX, "EAX", "EDX"},
-      {"StepType", StepTypeName, VXT_StepType_Branch, "INVALID", "Branch"},
-      {"RunStatus", RunStatusName, VXT_RunStatus_NotSupported, "Running", "NotSupported"},
-      {"StepMode", StepModeName, VXT_StepMode_ReleaseAllThreads, "ReleaseTargetedThread", "ReleaseAllThreads"},
+      {"InstructionType", InstructionTypeName, {"16Bit", "32Bit", "64Bit", "XBit"}},
+      {"PinsState", PinsStateName, {"Assert", "Deassert"}},
+      {"PinsSignal",
+       PinsSignalName,
+       {"HOOK0", "HOOK1", "HOOK2", "HOOK3", "HOOK4", "HOOK5", "HOOK6", "HOOK7", "Reset", "DBR", "PREQ", "PRDY",
+        "PWRGOOD"}},
+      {"BitwiseOperation", BitwiseOperationName, {"OR", "AND", "XOR"}},
+      {"BreakAllSetting", BreakAllSettingName, {"Disabled", "Enabled"}},
+      {"AddressType",
+       AddressTypeName,
+       {"Physical", "Linear", "GuestPhysical", "OneFieldCodeLogical", "OneFieldDataLogical", "OneFieldStackLogical",
+        "TwoFieldLogical", "ThreeFieldLogical"}},
+      {"BreakpointDataSize", BreakpointDataSizeName, {"Data_Size_1", "Data_Size_2", "Data_Size_4", "Data_Size_8"}},
+      {"DebugRegister", DebugRegisterName, {"Register_Any", "Register_0", "Register_1", "Register_2", "Register_3"}},
+      {"NodeType", NodeTypeName, {"Unknown",       "LogicalRoot",    "TargetDomain",       "LogicalThread",
+                                  "LogicalCore",   "LogicalUncore",  "LogicalChipset",     "LogicalBox",
+                                  "LogicalDie",    "LogicalPackage", "LogicalGroupDomain", "LogicalGroupCore",
+                                  "Debugport",     "JTAGScanChain",  "TAPController",      "InterfacePort",
+                                  "LogicalModule", "I2cBus",         "PinsInterface",      "VirtualJTAGScanChain"}},
+      {"InterfacePortState", InterfacePortStateName, {"Unknown", "Online", "Configured", "WindowOpen", "Offline"}},
+      {"JtagRepeatType",
+       JtagRepeatTypeName,
+       {"MAX_ITER", "COMPARE_MATCH_OR_FAIL_AT_MAX_ITER", "TRIGGER_OR_FAIL_AT_MAX_ITER"}},
+      {"JtagState",
+       JtagStateName,
+       {"TLR", "RTI", "SelDR", "CapDR", "ShfDR", "Ex1DR", "PauDR", "Ex2DR", "UpdDR", "SelIR", "CapIR", "ShfIR", "Ex1IR",
+        "PauIR", "Ex2IR", "UpdIR"}},
+      {"JtagResetType", JtagResetTypeName, {"TLR_TRST", "TLR_ONLY", "TRST_ONLY"}},
+      {"JtagWaitType", JtagWaitTypeName, {"COUNT", "COUNT_OR_TRIG", "COUNT_TRIGTO", "COUNT_OR_TRIG_TRIGTO"}},
+      {"OperationStatus", OperationStatusName, {"Pending", "Active", "Completed", "Canceled", "Failed"}},
+      {"SurvivabilityPreset", SurvivabilityPresetName, {"PlatformDefault", "LowPower", "ExtremelyLowPower", "Custom"}},
+      {"TransportFeature", TransportFeatureName, {"Transport", "Trace"}},
+      {"Preference", PreferenceName, {"Dont_Care", "Prefer", "Disfavor"}},
+      {"PreconditionState", PreconditionStateName, {"False", "True", "Unknown"}},
+      {"CpuidRegister", CpuidRegisterName, {"EAX", "EBX", "ECX", "EDX"}},
+      {"StepType", StepTypeName, {"INVALID", "Into", "Over", "Out", "Branch"}},
+      {"RunStatus", RunStatusName, {"Running", "SomeRunning", "Halted", "Other", "NotSupported"}},
+      {"StepMode", StepModeName, {"ReleaseTargetedThread", "ReleaseAllThreads"}},
   };
   for (const IndexTable& t : tables) {
     SCOPED_TRACE(t.table);
-    EXPECT_STREQ(t.nameOf(0), t.firstName);
-    EXPECT_STREQ(t.nameOf(t.lastValue), t.lastName);
-    EXPECT_STREQ(t.nameOf(t.lastValue + 1), "<UNKNOWN>");
+    const auto count = static_cast<uint32_t>(t.names.size());
+    for (uint32_t value = 0; value < count; ++value) EXPECT_EQ(t.nameOf(value), t.names[value]) << value;
+    EXPECT_STREQ(t.nameOf(count), "<UNKNOWN>");
     EXPECT_STREQ(t.nameOf(0xFFFFFFFFu), "<UNKNOWN>");
   }
 }
 
-// Names inside the longer tables, where a missing or doubled entry would
-// shift every later name.
-TEST(EnumNamesTest, InnerNamesOfLongTables) {
-  struct Inner {
+// The public enumerators hold the values the name tables are indexed by.
+TEST(EnumNamesTest, PublicEnumeratorsMatchTheirNames) {
+  struct Enumerator {
     const char* (*nameOf)(uint32_t);
     uint32_t value;
     const char* name;
   };
-  const Inner names[] = {
-      {NodeTypeName, VXT_NodeType_LogicalGroupCore, "LogicalGroupCore"},
+  const Enumerator enumerators[] = {
+      {NodeTypeName, VXT_NodeType_VirtualJTAGScanChain, "VirtualJTAGScanChain"},
       {NodeTypeName, VXT_NodeType_Debugport, "Debugport"},
-      {NodeTypeName, VXT_NodeType_I2cBus, "I2cBus"},
-      {JtagStateName, VXT_JtagState_UpdDR, "UpdDR"},
-      {JtagStateName, VXT_JtagState_SelIR, "SelIR"},
-      {PinsSignalName, VXT_PinsSignal_HOOK7, "HOOK7"},
-      {PinsSignalName, VXT_PinsSignal_Reset, "Reset"},
-      {PinsSignalName, VXT_PinsSignal_PRDY, "PRDY"},
-      {AddressTypeName, VXT_AddressType_OneFieldStackLogical, "OneFieldStackLogical"},
-      {BitwiseOperationName, VXT_BitwiseOperation_AND, "AND"},
-      {StepTypeName, VXT_StepType_Out, "Out"},
-      {RunStatusName, VXT_RunStatus_Halted, "Halted"},
+      {JtagStateName, VXT_JtagState_UpdIR, "UpdIR"},
+      {PinsSignalName, VXT_PinsSignal_PWRGOOD, "PWRGOOD"},
+      {AddressTypeName, VXT_AddressType_ThreeFieldLogical, "ThreeFieldLogical"},
+      {DebugRegisterName, VXT_DebugRegister_Register_Any, "Register_Any"},
+      {BitwiseOperationName, VXT_BitwiseOperation_OR, "OR"},
+      {StepTypeName, VXT_StepType_Branch, "Branch"},
+      {OperationStatusName, VXT_OperationStatus_Canceled, "Canceled"},
+      {PreconditionStateName, VXT_PreconditionState_Unknown, "Unknown"},
   };
-  for (const Inner& n : names) EXPECT_STREQ(n.nameOf(n.value), n.name) << n.value;
+  for (const Enumerator& e : enumerators) EXPECT_STREQ(e.nameOf(e.value), e.name) << e.value;
 }
 
 // Sparse tables: every named value, and the gaps between and around them.
@@ -194,6 +202,9 @@ TEST(EnumNamesTest, SparseTablesNameOnlyTheirValues) {
   };
   const Sparse names[] = {
       {BreakpointTypeName, VXT_BreakpointType_SW, "SW"},
+      {BreakpointTypeName, VXT_BreakpointType_HW_Exec, "HW_Exec"},
+      {BreakpointTypeName, VXT_BreakpointType_HW_Access, "HW_Access"},
+      {BreakpointTypeName, VXT_BreakpointType_HW_Write, "HW_Write"},
       {BreakpointTypeName, VXT_BreakpointType_HW_IO, "HW_IO"},
       {BreakpointTypeName, 5, nullptr},
       {BreakpointTypeName, 0x7FFF, nullptr},
@@ -207,10 +218,13 @@ TEST(EnumNamesTest, SparseTablesNameOnlyTheirValues) {
       {AccessWidthName, VXT_AccessWidth_DWord, "DWord"},
       {AccessWidthName, VXT_AccessWidth_QWord, "QWord"},
       {AccessWidthName, 16, nullptr},
+      {PortByteSizeName, 0, nullptr},
       {PortByteSizeName, 1, "Byte"},
+      {PortByteSizeName, 2, "Word"},
       {PortByteSizeName, 4, "DWord"},
       {PortByteSizeName, 8, nullptr},
       {JtagTdiTdoContinuityName, VXT_JtagTdiTdoContinuity_GOOD, "GOOD"},
+      {JtagTdiTdoContinuityName, VXT_JtagTdiTdoContinuity_OPEN, "OPEN"},
       {JtagTdiTdoContinuityName, VXT_JtagTdiTdoContinuity_SHORT, "SHORT"},
       {JtagTdiTdoContinuityName, 3, nullptr},
       {JtagTdiTdoContinuityName, VXT_JtagTdiTdoContinuity_INVERTED, "INVERTED"},
@@ -250,9 +264,8 @@ TEST(RenderTest, ListsAndBytes) {
        "{{bitSize = 8 dataHandle = 0x0000000000000001}, {bitSize = 64 dataHandle = 0x0000000000000002}}"},
       {"signed values in hex8", Line(List<Hex8>(signedValues, 2u)), "{0xffffffff, 0x00000002}"},
       {"null count pointer", Line(List<Quoted>(names, static_cast<const uint32_t*>(nullptr))), "<EMPTY>"},
-      {"null array wins over a null count", Line(List<Quoted>(static_cast<const char**>(nullptr),
-                                                              static_cast<const uint32_t*>(nullptr))),
-       "<NULL>"},
+      {"null array wins over a null count",
+       Line(List<Quoted>(static_cast<const char**>(nullptr), static_cast<const uint32_t*>(nullptr))), "<NULL>"},
   });
 }
 
@@ -312,17 +325,19 @@ TEST(TraceArgsTest, ArgumentLists) {
   ExpectAll({
       {"no argument", Line("(", TraceArgs(), ")"), "()"},
       {"one argument", Line(TraceArgs("serviceId", Dec{7u})), "serviceId = 7"},
-      {"in line", Line("In  InProc_AsmDasm::Assemble(",
-                       TraceArgs("deviceId", Hex8{1u}, "instructionType", Enum<InstructionTypeName>{VXT_InstructionType_32Bit},
-                                 "instruction", Quoted{"nop"}, "instructionAddressOffset", Hex16{uint64_t{0x1000}},
-                                 "maxBufferSize", Dec{16u}),
-                       ")"),
+      {"in line",
+       Line("In  InProc_AsmDasm::Assemble(",
+            TraceArgs("deviceId", Hex8{1u}, "instructionType", Enum<InstructionTypeName>{VXT_InstructionType_32Bit},
+                      "instruction", Quoted{"nop"}, "instructionAddressOffset", Hex16{uint64_t{0x1000}},
+                      "maxBufferSize", Dec{16u}),
+            ")"),
        "In  InProc_AsmDasm::Assemble(deviceId = 0x00000001 instructionType = 32Bit instruction = 'nop' "
        "instructionAddressOffset = 0x0000000000001000 maxBufferSize = 16)"},
-      {"out line", Line("Out InProc_AsmDasm::Assemble(",
-                        TraceArgs("instruction", Quoted{"nop"}, "outputBuffer", Bytes(assembled, &numBytesAssembled),
-                                  "numBytesAssembled", Out<Dec>(&numBytesAssembled)),
-                        ") ErrorCode = ", Hex8{0u}),
+      {"out line",
+       Line("Out InProc_AsmDasm::Assemble(",
+            TraceArgs("instruction", Quoted{"nop"}, "outputBuffer", Bytes(assembled, &numBytesAssembled),
+                      "numBytesAssembled", Out<Dec>(&numBytesAssembled)),
+            ") ErrorCode = ", Hex8{0u}),
        "Out InProc_AsmDasm::Assemble(instruction = 'nop' outputBuffer = {0x90} numBytesAssembled = 1) "
        "ErrorCode = 0x00000000"},
       {"omitted password", Line(TraceArgs("user", Quoted{"me"}, "password", Omitted{})),
