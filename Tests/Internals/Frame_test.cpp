@@ -332,6 +332,44 @@ TEST_F(FrameTest, ReportErrorMessageJoinsSourceAndMessage) {
   }
 }
 
+// A count with a detail made by the operation: the detail is made after
+// the In line and before the call's error context opens, so that what it
+// posts lands in the caller's context and not in the call's message.
+TEST_F(FrameTest, DetailCountComesBetweenTheInLineAndTheErrorContext) {
+  struct Case {
+    const char* name;
+    OperationSite site;
+    std::string lastError;  // Empty: the standing text of 0x20002
+  };
+  const OperationSite site = VXT_OPERATION(Probe, Read);
+  const Case cases[] = {
+      {"context after the count", site, ""},
+      {"context ahead of the In line", site.ContextFirst(), "posted while counting"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    const ErrorContextScope outer;
+    tc::ClearTelemetryCalls();
+    ClearTrace();
+    std::vector<std::string> linesWhenCounted;
+    uint32_t value = 0;
+    const VXT_Result result =
+        RunOperation(probe.logger, c.site, NoArgs{}, TraceArgs("value", Out<Hex8>(&value)), WithDetail([&] {
+                       linesWhenCounted = Trace();
+                       Voxtrel_ErrorPostError(0x20002, "posted while counting", __FILE__, __LINE__);
+                       return std::string("PORT_A");
+                     }),
+                     [](Call& call) { return call.Core([] { return 0x20002u; }); });
+    EXPECT_EQ(result, static_cast<VXT_Result>(0x80000003));
+    EXPECT_EQ(linesWhenCounted, (std::vector<std::string>{"In  InProc_Probe::Read() [ClientID: 0]"}));
+    EXPECT_EQ(tc::TelemetryCalls(),
+              (std::vector<tc::TelemetryCall>{
+                  {"CountEvent", {"Server_Lifespan", "VXT_Call", "Method", "Probe::Read(PORT_A)"}}}));
+    const std::string expected = c.lastError.empty() ? Voxtrel_ErrorGetDefaultMessage(0x20002) : c.lastError;
+    EXPECT_EQ(LastErrorMessage(), expected);
+  }
+}
+
 // A count with a detail goes under "<method>(<detail>)".
 TEST_F(FrameTest, CountMethodCallCarriesItsDetail) {
   struct Case {

@@ -224,6 +224,23 @@ int32_t RunInContext(const ServiceLogger& logger, const OperationSite& site, Vox
   return publicCode;
 }
 
+// The frame up to the body: In line, count, error context; `count` runs at
+// the counting step.
+template <class InArgs, class OutArgs, class Count, class Body>
+int32_t RunFrame(const ServiceLogger& logger, const OperationSite& site, const InArgs& in, const OutArgs& out,
+                 Count&& count, Body& body) {
+  if (site.contextFirst) {
+    const ErrorContextScope context;
+    TraceLine(logger, 1, InLine<InArgs>{site, in}, kTrailer);
+    count();
+    return RunInContext(logger, site, context.id(), out, body);
+  }
+  TraceLine(logger, 1, InLine<InArgs>{site, in}, kTrailer);
+  count();
+  const ErrorContextScope context;
+  return RunInContext(logger, site, context.id(), out, body);
+}
+
 }  // namespace detail
 
 // Runs one service operation through the frame and returns its public code.
@@ -233,16 +250,32 @@ int32_t RunInContext(const ServiceLogger& logger, const OperationSite& site, Vox
 template <class InArgs, class OutArgs, class Body>
 int32_t RunOperation(const ServiceLogger& logger, const OperationSite& site, const InArgs& in, const OutArgs& out,
                      Body&& body) {
-  if (site.contextFirst) {
-    const ErrorContextScope context;
-    TraceLine(logger, 1, InLine<InArgs>{site, in}, kTrailer);
-    if (site.counted) CountCall(site.method);
-    return detail::RunInContext(logger, site, context.id(), out, body);
-  }
-  TraceLine(logger, 1, InLine<InArgs>{site, in}, kTrailer);
-  if (site.counted) CountCall(site.method);
-  const ErrorContextScope context;
-  return detail::RunInContext(logger, site, context.id(), out, body);
+  return detail::RunFrame(
+      logger, site, in, out,
+      [&site] {
+        if (site.counted) CountCall(site.method);
+      },
+      body);
+}
+
+// A count of "<Service>::<Op>(<detail>)" in place of the plain one. The
+// detail is made at the frame's counting step, after the In line and outside
+// the call's error context, because making it may run other operations
+// (a device's identifier is got through its own frame).
+template <class MakeDetail>
+struct CountedWithDetail {
+  MakeDetail makeDetail;
+};
+template <class MakeDetail>
+CountedWithDetail<MakeDetail> WithDetail(MakeDetail makeDetail) {
+  return CountedWithDetail<MakeDetail>{std::move(makeDetail)};
+}
+
+template <class InArgs, class OutArgs, class MakeDetail, class Body>
+int32_t RunOperation(const ServiceLogger& logger, const OperationSite& site, const InArgs& in, const OutArgs& out,
+                     const CountedWithDetail<MakeDetail>& count, Body&& body) {
+  return detail::RunFrame(
+      logger, site, in, out, [&] { CountMethodCall(site.method, count.makeDetail()); }, body);
 }
 
 }  // namespace vxt::frame
