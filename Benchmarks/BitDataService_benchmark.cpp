@@ -111,7 +111,7 @@ void BM_FindLast_Service(benchmark::State& state) {
 BENCHMARK(BM_FindLast_Service);
 
 // In place, as the library-alone figures: left = left <op> right.
-void BitwiseInPlace(benchmark::State& state, VXT_BitwiseOperation operation) {
+void BitwiseInPlace(benchmark::State& state, BitwiseOperation operation) {
   IInternalService_BitDataOperations& ops = *Connected().ops;
   const ServiceVector left(RandomBytes(1));
   const ServiceVector right(RandomBytes(2));

@@ -52,8 +52,8 @@ class DeviceLocksConcurrencyTest : public ::testing::Test {
   }
 
   // Waits for the token's operation to end; its status. The token is ended.
-  VXT_OperationStatus Outcome(uint64_t token) {
-    auto status = static_cast<VXT_OperationStatus>(99);
+  OperationStatus Outcome(uint64_t token) {
+    auto status = static_cast<OperationStatus>(99);
     EXPECT_EQ(receipts_.Flush(token), 0);
     EXPECT_EQ(receipts_.GetOperationStatus(token, &status), 0);
     EXPECT_EQ(receipts_.Destroy(token), 0);

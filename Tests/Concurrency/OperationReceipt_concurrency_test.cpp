@@ -68,7 +68,7 @@ TEST_F(OperationReceiptConcurrencyTest, FlushWaitsForWorkThatCompletesInTheBackg
     }
     for (int i = 0; i < kTokens; ++i) {
       uint16_t value = 0;
-      VXT_OperationStatus status{};
+      OperationStatus status{};
       if (receipts->Flush(tokens[i]) != 0) ++wrong;
       if (receipts->GetOperationStatus(tokens[i], &status) != 0 || status != VXT_OperationStatus_Completed) ++wrong;
       if (receipts->GetValueAsUInt16(tokens[i], &value) != 0 || value != (0x8000 | i)) ++wrong;
@@ -89,10 +89,14 @@ TEST_F(OperationReceiptConcurrencyTest, CancelFlushAndDestroyRaceWithTheWork) {
       if (result != 0 && result != VXT_E_INVALID_HANDLE) ++unexpected;
     };
     OnThreads(4, [&](int t) {
-      VXT_OperationStatus status{};
+      OperationStatus status{};
       switch (t) {
-        case 0: expectOkOrGone(receipts->Cancel(token)); break;
-        case 1: expectOkOrGone(receipts->Flush(token)); break;
+        case 0:
+          expectOkOrGone(receipts->Cancel(token));
+          break;
+        case 1:
+          expectOkOrGone(receipts->Flush(token));
+          break;
         case 2:
           expectOkOrGone(receipts->GetOperationStatus(token, &status));
           if (receipts->Destroy(token) == 0) ++destroyed;

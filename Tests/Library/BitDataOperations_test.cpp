@@ -27,7 +27,7 @@ std::vector<std::pair<uint32_t, std::string>> TraceWithLevels() {
 // Every refusal of the service, each with its whole message. A refused call
 // changes no record and no vector, and takes no handle.
 TEST_F(BitDataOperationsTest, RefusalsNameTheOperationTheArgumentAndTheReason) {
-  VXT_BitData good = Make(8, 0xa5);     // 2
+  VXT_BitData good = Make(8, 0xa5);      // 2
   VXT_BitData other = Make(16, 0x3c3c);  // 3
   VXT_BitData empty = EmptyRecord();
   VXT_BitData unsized{0, 8, good.dataHandle};
@@ -35,7 +35,7 @@ TEST_F(BitDataOperationsTest, RefusalsNameTheOperationTheArgumentAndTheReason) {
   char text[8] = {};
   uint32_t u32 = 0;
   int32_t i32 = 0;
-  constexpr auto kUnknownOperation = static_cast<VXT_BitwiseOperation>(3);
+  constexpr auto kUnknownOperation = static_cast<BitwiseOperation>(3);
 
   struct Refusal {
     std::function<VXT_Result()> call;
@@ -191,8 +191,8 @@ TEST_F(BitDataOperationsTest, RefusalsNameTheOperationTheArgumentAndTheReason) {
 // ---- Text -------------------------------------------------------------------
 
 TEST_F(BitDataOperationsTest, TextFormsOfAVector) {
-  using TextOperation = VXT_Result (IInternalService_BitDataOperations::*)(const VXT_BitData*, char*, uint32_t,
-                                                                           uint32_t*);
+  using TextOperation =
+      VXT_Result (IInternalService_BitDataOperations::*)(const VXT_BitData*, char*, uint32_t, uint32_t*);
   const TextOperation general = &IInternalService_BitDataOperations::ToString;
   const TextOperation decimal = &IInternalService_BitDataOperations::ToStringDecimal;
   const TextOperation hexadecimal = &IInternalService_BitDataOperations::ToStringHexadecimal;
@@ -203,10 +203,14 @@ TEST_F(BitDataOperationsTest, TextFormsOfAVector) {
     std::string text;
   };
   const Case cases[] = {
-      {"12'habc", general, "12'habc"},          {"12'habc", decimal, "2748"},
-      {"12'habc", hexadecimal, "0xabc"},        {"12'habc", binary, "0b101010111100"},
-      {"0b0", decimal, "0"},                    {"0x", hexadecimal, "0x"},
-      {"0x", binary, "0b"},                     {"0x", decimal, "0"},
+      {"12'habc", general, "12'habc"},
+      {"12'habc", decimal, "2748"},
+      {"12'habc", hexadecimal, "0xabc"},
+      {"12'habc", binary, "0b101010111100"},
+      {"0b0", decimal, "0"},
+      {"0x", hexadecimal, "0x"},
+      {"0x", binary, "0b"},
+      {"0x", decimal, "0"},
       {"18446744073709551616", decimal, "18446744073709551616"},
       {"18446744073709551616", hexadecimal, "0x10000000000000000"},
   };
@@ -225,8 +229,8 @@ TEST_F(BitDataOperationsTest, TextFormsOfAVector) {
 }
 
 TEST_F(BitDataOperationsTest, ASizeQueryReportsTheEstimateOfEachForm) {
-  using TextOperation = VXT_Result (IInternalService_BitDataOperations::*)(const VXT_BitData*, char*, uint32_t,
-                                                                           uint32_t*);
+  using TextOperation =
+      VXT_Result (IInternalService_BitDataOperations::*)(const VXT_BitData*, char*, uint32_t, uint32_t*);
   struct Case {
     uint32_t bitSize;
     TextOperation operation;
@@ -254,8 +258,8 @@ TEST_F(BitDataOperationsTest, ASizeQueryReportsTheEstimateOfEachForm) {
 // length with every bit set. The decimal, hexadecimal and binary estimates
 // can equal the text's length, so the one more is needed.
 TEST_F(BitDataOperationsTest, TheEstimateAndOneMoreHoldTheWholeText) {
-  using TextOperation = VXT_Result (IInternalService_BitDataOperations::*)(const VXT_BitData*, char*, uint32_t,
-                                                                           uint32_t*);
+  using TextOperation =
+      VXT_Result (IInternalService_BitDataOperations::*)(const VXT_BitData*, char*, uint32_t, uint32_t*);
   struct Form {
     const char* name;
     TextOperation operation;
@@ -311,16 +315,19 @@ TEST_F(BitDataOperationsTest, TextTraceShowsTheWrittenTextAtLevelTwo) {
   ClearTrace();
   ASSERT_EQ(ops->ToStringHexadecimal(&record, nullptr, 0, &size), VXT_SUCCESS);
   ASSERT_EQ(ops->ToStringHexadecimal(&record, buffer, sizeof buffer, &size), VXT_SUCCESS);
-  const std::string in = "In  InProc_BitDataOperations::ToStringHexadecimal(bitData = {bitSize = 12 dataHandle = "
-                         "0x0000000000000002} maxBufferSize = ";
+  const std::string in =
+      "In  InProc_BitDataOperations::ToStringHexadecimal(bitData = {bitSize = 12 dataHandle = "
+      "0x0000000000000002} maxBufferSize = ";
   EXPECT_EQ(TraceWithLevels(),
             (std::vector<std::pair<uint32_t, std::string>>{
                 {1, in + "0) [ClientID: 3]"},
-                {2, "Out InProc_BitDataOperations::ToStringHexadecimal(buffer = <NULL> actualStringSize = 5) "
-                    "ErrorCode = 0x00000000"},
+                {2,
+                 "Out InProc_BitDataOperations::ToStringHexadecimal(buffer = <NULL> actualStringSize = 5) "
+                 "ErrorCode = 0x00000000"},
                 {1, in + "16) [ClientID: 3]"},
-                {2, "Out InProc_BitDataOperations::ToStringHexadecimal(buffer = 0xabc actualStringSize = 5) "
-                    "ErrorCode = 0x00000000"},
+                {2,
+                 "Out InProc_BitDataOperations::ToStringHexadecimal(buffer = 0xabc actualStringSize = 5) "
+                 "ErrorCode = 0x00000000"},
             }));
 }
 
@@ -426,8 +433,8 @@ TEST_F(BitDataOperationsTest, ComparisonCoversTheShorterLength) {
 // ---- Logic -------------------------------------------------------------------
 
 TEST_F(BitDataOperationsTest, CombiningVectorsOfTwoLengthsFillsTheShorterWithZeros) {
-  using Combine = VXT_Result (IInternalService_BitDataOperations::*)(const VXT_BitData*, const VXT_BitData*,
-                                                                     VXT_BitData*);
+  using Combine =
+      VXT_Result (IInternalService_BitDataOperations::*)(const VXT_BitData*, const VXT_BitData*, VXT_BitData*);
   struct Case {
     const char* name;
     Combine combine;
@@ -475,11 +482,11 @@ TEST_F(BitDataOperationsTest, BitwiseOpCombinesFieldsWithOrFirstInItsNumbering) 
   const VXT_BitData left = Make(8, 0xf0);
   const VXT_BitData right = Make(8, 0x3c);
   struct Case {
-    VXT_BitwiseOperation operation;
+    BitwiseOperation operation;
     std::string hex;
   };
   for (const Case& c : {Case{VXT_BitwiseOperation_OR, "0xfffcf"}, Case{VXT_BitwiseOperation_AND, "0xff30f"},
-                       Case{VXT_BitwiseOperation_XOR, "0xffccf"}}) {
+                        Case{VXT_BitwiseOperation_XOR, "0xffccf"}}) {
     const VXT_BitData dest = Make(20, 0xfffff);
     ASSERT_EQ(ops->BitwiseOp(&dest, 4, 8, &left, 0, 8, &right, 0, 8, c.operation), VXT_SUCCESS);
     EXPECT_EQ(Hex(dest), c.hex) << c.operation;
@@ -626,15 +633,14 @@ TEST_F(BitDataOperationsTest, AChangeRefusedOnAForgedLengthLeavesTheVectorAsItWa
       {"pattern from inside", [&](auto& r) { return ops->SetBitRangeToPattern(&r, 8, 80, 0xffffffff); },
        VXT_E_BITDATA_BIT_OFFSET_INVALID, offsetInvalid},
       {"shift", [&](auto& r) { return ops->ShiftLeft(&r, 1); }, VXT_E_BITDATA_BIT_RANGE_INVALID, rangeInvalid},
-      {"shift field", [&](auto& r) { return ops->ShiftRightBitRange(&r, 30, 20, 1); },
-       VXT_E_BITDATA_BIT_RANGE_INVALID, rangeInvalid},
+      {"shift field", [&](auto& r) { return ops->ShiftRightBitRange(&r, 30, 20, 1); }, VXT_E_BITDATA_BIT_RANGE_INVALID,
+       rangeInvalid},
       {"reverse field", [&](auto& r) { return ops->ReverseBitRange(&r, 0, 64); }, VXT_E_BITDATA_BIT_RANGE_INVALID,
        rangeInvalid},
       {"randomize field", [&](auto& r) { return ops->RandomizeBits(&r, 32, 16); }, VXT_E_BITDATA_BIT_RANGE_INVALID,
        rangeInvalid},
       {"invert", [&](auto& r) { return ops->Invert(&r, 36, 8, 0); }, VXT_E_BITDATA_BIT_RANGE_INVALID, rangeInvalid},
-      {"invert bit", [&](auto& r) { return ops->InvertBit(&r, 50); }, VXT_E_BITDATA_BIT_OFFSET_INVALID,
-       offsetInvalid},
+      {"invert bit", [&](auto& r) { return ops->InvertBit(&r, 50); }, VXT_E_BITDATA_BIT_OFFSET_INVALID, offsetInvalid},
       {"set bit", [&](auto& r) { return ops->SetBitOn(&r, 60); }, VXT_E_BITDATA_BIT_OFFSET_INVALID, offsetInvalid},
       {"bitwise",
        [&](auto& r) { return ops->BitwiseOp(&r, 32, 16, &other, 0, 16, &other, 0, 16, VXT_BitwiseOperation_XOR); },
@@ -706,8 +712,9 @@ TEST_F(BitDataOperationsTest, TraceShowsEachFamilysArgumentsAndResults) {
         {1, "Out InProc_BitDataOperations::AddBitRange(dest = ) ErrorCode = 0x80000004 [ClientID: 3]"}}},
       {[&] { ops->Randomize(&record, &empty); },
        {{1, "In  InProc_BitDataOperations::Randomize(bitData = " + held + ") [ClientID: 3]"},
-        {1, "Out InProc_BitDataOperations::Randomize(result = {bitSize = 8 dataHandle = 0x0000000000000003}) "
-            "ErrorCode = 0x00000000 [ClientID: 3]"}}},
+        {1,
+         "Out InProc_BitDataOperations::Randomize(result = {bitSize = 8 dataHandle = 0x0000000000000003}) "
+         "ErrorCode = 0x00000000 [ClientID: 3]"}}},
       {[&] { ops->SetRandomSeed(&record, 7); },
        {{1, "In  InProc_BitDataOperations::SetRandomSeed(bitData = " + held + " seedValue = 7) [ClientID: 3]"},
         {1, "Out InProc_BitDataOperations::SetRandomSeed() ErrorCode = 0x00000000 [ClientID: 3]"}}},
@@ -726,7 +733,7 @@ TEST_F(BitDataOperationsTest, TraceShowsEachFamilysArgumentsAndResults) {
 TEST_F(BitDataOperationsTest, AnUnknownBitwiseOperationIsTracedByItsNumberlessName) {
   const VXT_BitData record = Make(8);
   ClearTrace();
-  ops->BitwiseOp(&record, 0, 8, &record, 0, 8, &record, 0, 8, static_cast<VXT_BitwiseOperation>(7));
+  ops->BitwiseOp(&record, 0, 8, &record, 0, 8, &record, 0, 8, static_cast<BitwiseOperation>(7));
   const std::vector<std::string> trace = Trace();
   ASSERT_FALSE(trace.empty());
   EXPECT_NE(trace.front().find(" operation = <UNKNOWN>) [ClientID: 3]"), std::string::npos) << trace.front();

@@ -177,7 +177,7 @@ TEST_F(DeviceRecordsTest, TapControllerRecordsAreCutToTheComponentsFields) {
 TEST_F(DeviceRecordsTest, ALockIsTheCallingClientsAndItsTokenTellsTheOutcome) {
   uint64_t token = 0;
   ASSERT_EQ(devices->Lock(kCore0, VXT_INFINITE_TIMEOUT, &token), 0);
-  VXT_OperationStatus status{};
+  OperationStatus status{};
   ASSERT_EQ(receipts->Flush(token), 0);
   ASSERT_EQ(receipts->GetOperationStatus(token, &status), 0);
   EXPECT_EQ(status, VXT_OperationStatus_Completed);

@@ -50,13 +50,13 @@ class OperationReceiptTest : public vxt::test::PlatformTest {
     PlatformTest::TearDown();
   }
 
-  VXT_OperationStatus StatusOf(uint64_t token) {
-    auto status = static_cast<VXT_OperationStatus>(99);
+  OperationStatus StatusOf(uint64_t token) {
+    auto status = static_cast<OperationStatus>(99);
     EXPECT_EQ(receipts->GetOperationStatus(token, &status), 0);
     return status;
   }
   bool IsAlive(uint64_t token) {
-    auto status = static_cast<VXT_OperationStatus>(99);
+    auto status = static_cast<OperationStatus>(99);
     return receipts->GetOperationStatus(token, &status) == 0;
   }
 
@@ -124,7 +124,7 @@ TEST_F(OperationReceiptTest, ComponentRefusalsReachTheClientTranslated) {
   char buffer[8];
   uint32_t size = 0;
   VXT_Result errorResult = 0;
-  VXT_OperationStatus status{};
+  OperationStatus status{};
   VXT_BitData record{VXT_BITDATA_SIZE, 0, 0};
   uint8_t u8 = 0;
   uint16_t u16 = 0;
@@ -228,8 +228,8 @@ TEST_F(OperationReceiptTest, EveryGetValueMakesANewVectorOfTheCallingClient) {
   ASSERT_EQ(receipts->GetValue(token, &first), 0);
   ClearTrace();
   ASSERT_EQ(receipts->GetValue(token, &second), 0);
-  EXPECT_EQ(Trace(), Lines("GetValue", token, "value = {bitSize = 20 dataHandle = " + Hex16Text(second.dataHandle) +
-                                                   "}"));
+  EXPECT_EQ(Trace(),
+            Lines("GetValue", token, "value = {bitSize = 20 dataHandle = " + Hex16Text(second.dataHandle) + "}"));
   EXPECT_NE(first.dataHandle, 0u);
   EXPECT_NE(first.dataHandle, second.dataHandle);
   ASSERT_EQ(bitData->Deposit(&first, 0, 20, 0), 0);
@@ -294,8 +294,13 @@ TEST_F(OperationReceiptTest, RawBytesServeASizeQueryOrARead) {
   };
   const Case cases[] = {
       {"size of 9 bits", {{0xff, 0x01}, 9}, false, 0, true, {kUntouched, kUntouched, kUntouched, kUntouched}, 2},
-      {"size whatever the maximum", {{0x34, 0x12, 0x56}, 24}, false, 1, true,
-       {kUntouched, kUntouched, kUntouched, kUntouched}, 3},
+      {"size whatever the maximum",
+       {{0x34, 0x12, 0x56}, 24},
+       false,
+       1,
+       true,
+       {kUntouched, kUntouched, kUntouched, kUntouched},
+       3},
       {"one byte of two", {{0x34, 0x12}, 16}, true, 1, true, {0x34, kUntouched, kUntouched, kUntouched}, 1},
       {"all of a short value", {{0x34, 0x12}, 16}, true, 4, true, {0x34, 0x12, kUntouched, kUntouched}, 2},
       {"read without a count", {{0x34, 0x12}, 16}, true, 4, false, {0x34, 0x12, kUntouched, kUntouched}, kUnset},
@@ -346,11 +351,13 @@ TEST_F(OperationReceiptTest, RawBytesOutLineNeverReadsPastTheCallersBuffer) {
   uint32_t count = 5000;
   EXPECT_EQ(receipts->GetValueAsRawBytes(0xbeef, buffer, 2, &count), VXT_E_INVALID_HANDLE);
   EXPECT_EQ(count, 5000u);
-  EXPECT_EQ(Trace().back(), "Out InProc_OperationReceipt::GetValueAsRawBytes(bytes = {0x0a, 0x0b} byteCount = 5000) "
-                            "ErrorCode = 0x80000011 [ClientID: 3]");
+  EXPECT_EQ(Trace().back(),
+            "Out InProc_OperationReceipt::GetValueAsRawBytes(bytes = {0x0a, 0x0b} byteCount = 5000) "
+            "ErrorCode = 0x80000011 [ClientID: 3]");
 
-  const std::string message = "InProc_OperationReceipt::GetValueAsRawBytes() argument error (bytes) : Null pointer"
-                              "InProc_OperationReceipt::GetValueAsRawBytes() argument error (byteCount) : Null pointer";
+  const std::string message =
+      "InProc_OperationReceipt::GetValueAsRawBytes() argument error (bytes) : Null pointer"
+      "InProc_OperationReceipt::GetValueAsRawBytes() argument error (byteCount) : Null pointer";
   const uint64_t token = tc::StartCompletedReceipt({{1}, 8});
   ClearTrace();
   EXPECT_EQ(receipts->GetValueAsRawBytes(token, nullptr, 2, nullptr), kInvalidArgument);
@@ -384,9 +391,9 @@ TEST_F(OperationReceiptTest, ErrorMessageIsShownWithinTheCallersBuffer) {
     uint32_t size = 0;
     ClearTrace();
     EXPECT_EQ(receipts->GetOperationErrorMessage(token, buffer, c.maxBufferSize, &size), c.result);
-    EXPECT_EQ(Trace().front(), "In  InProc_OperationReceipt::GetOperationErrorMessage(operationToken = " +
-                                   Hex16Text(token) + " maxBufferSize = " + std::to_string(c.maxBufferSize) +
-                                   ") [ClientID: 3]");
+    EXPECT_EQ(Trace().front(),
+              "In  InProc_OperationReceipt::GetOperationErrorMessage(operationToken = " + Hex16Text(token) +
+                  " maxBufferSize = " + std::to_string(c.maxBufferSize) + ") [ClientID: 3]");
     char errorCode[11];
     std::snprintf(errorCode, sizeof errorCode, "0x%08x", static_cast<uint32_t>(c.result));
     EXPECT_EQ(Trace().back(), "Out InProc_OperationReceipt::GetOperationErrorMessage(" + c.shown +

@@ -32,7 +32,7 @@ std::vector<uint32_t> ResolveAll(IInternalService_Device& devices, const std::ve
 // Waits for the operation; throws with its message unless it completed.
 void AwaitCompletion(IInternalService_OperationReceipt& receipts, uint64_t token, const std::string& call) {
   Check(receipts.Flush(token), "Flush");
-  VXT_OperationStatus status = VXT_OperationStatus_Pending;
+  OperationStatus status = VXT_OperationStatus_Pending;
   Check(receipts.GetOperationStatus(token, &status), "GetOperationStatus");
   char message[512] = "";
   if (status != VXT_OperationStatus_Completed)

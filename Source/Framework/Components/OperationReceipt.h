@@ -47,7 +47,7 @@ struct OperationReceiptComponent {
   // The operation's internal error code: 0 unless it failed, or
   // 0x20008 ("Operation canceled") when canceled.
   uint32_t (*GetOperationErrorResult)(uint64_t token, int32_t* result);
-  // A VXT_OperationStatus value.
+  // A OperationStatus value.
   uint32_t (*GetOperationStatus)(uint64_t token, uint32_t* status);
   // A new copy of a completed operation's value, every time; the caller
   // frees it with BitData_FreeManaged.

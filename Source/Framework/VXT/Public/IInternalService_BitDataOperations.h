@@ -93,7 +93,7 @@ class IInternalService_BitDataOperations {
   virtual VXT_Result BitwiseOp(const VXT_BitData* dest, uint32_t destBitOffset, uint32_t destBitSize,
                                const VXT_BitData* left, uint32_t leftBitOffset, uint32_t leftBitSize,
                                const VXT_BitData* right, uint32_t rightBitOffset, uint32_t rightBitSize,
-                               VXT_BitwiseOperation operation) = 0;
+                               BitwiseOperation operation) = 0;
 
   // Left moves bits towards the high end, right towards bit 0; zeros come
   // in. A negative numBits shifts the other way.

@@ -41,7 +41,7 @@ class IInternalService_OperationReceipt {
   // The operation's failure as a result code of this library, 0 unless it
   // failed or was canceled.
   virtual VXT_Result GetOperationErrorResult(uint64_t operationToken, VXT_Result* operationErrorResult) = 0;
-  virtual VXT_Result GetOperationStatus(uint64_t operationToken, VXT_OperationStatus* status) = 0;
+  virtual VXT_Result GetOperationStatus(uint64_t operationToken, OperationStatus* status) = 0;
   // The value as a new vector of the calling client, in an empty record.
   virtual VXT_Result GetValue(uint64_t operationToken, VXT_BitData* value) = 0;
   virtual VXT_Result GetValueAsUInt64(uint64_t operationToken, uint64_t* value) = 0;

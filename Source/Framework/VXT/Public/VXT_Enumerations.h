@@ -38,7 +38,7 @@ enum VXT_PinsSignal : uint32_t {
 };
 
 // Operation of BitDataOperations::BitwiseOp. OR comes first.
-enum VXT_BitwiseOperation : uint32_t {
+enum BitwiseOperation : uint32_t {
   VXT_BitwiseOperation_OR = 0,
   VXT_BitwiseOperation_AND = 1,
   VXT_BitwiseOperation_XOR = 2,
@@ -155,7 +155,7 @@ enum VXT_JtagWaitType : uint32_t {
 };
 
 // State of a background operation behind an operation token.
-enum VXT_OperationStatus : uint32_t {
+enum OperationStatus : uint32_t {
   VXT_OperationStatus_Pending = 0,
   VXT_OperationStatus_Active = 1,
   VXT_OperationStatus_Completed = 2,

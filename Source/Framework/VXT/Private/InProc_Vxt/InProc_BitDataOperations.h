@@ -66,7 +66,7 @@ class InProc_BitDataOperations : public SingletonService<InProc_BitDataOperation
   VXT_Result ReverseBitRange(const VXT_BitData* bitData, uint32_t bitOffset, uint32_t bitSize) override;
   VXT_Result BitwiseOp(const VXT_BitData* dest, uint32_t destBitOffset, uint32_t destBitSize, const VXT_BitData* left,
                        uint32_t leftBitOffset, uint32_t leftBitSize, const VXT_BitData* right, uint32_t rightBitOffset,
-                       uint32_t rightBitSize, VXT_BitwiseOperation operation) override;
+                       uint32_t rightBitSize, BitwiseOperation operation) override;
   VXT_Result ShiftLeft(const VXT_BitData* bitData, int32_t numBits) override;
   VXT_Result ShiftLeftBitRange(const VXT_BitData* bitData, uint32_t bitOffset, uint32_t bitSize,
                                int32_t numBits) override;

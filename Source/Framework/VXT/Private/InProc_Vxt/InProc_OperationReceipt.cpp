@@ -32,8 +32,8 @@ InProc_OperationReceipt::InProc_OperationReceipt() {
 InProc_OperationReceipt& InProc_OperationReceipt::Instance() { return instance; }
 
 VXT_Result InProc_OperationReceipt::Cancel(uint64_t operationToken) {
-  return RunOperation(logger, VXT_OPERATION(OperationReceipt, Cancel), TraceArgs("operationToken", Hex16{operationToken}),
-                      NoArgs{}, [&](Call& call) {
+  return RunOperation(logger, VXT_OPERATION(OperationReceipt, Cancel),
+                      TraceArgs("operationToken", Hex16{operationToken}), NoArgs{}, [&](Call& call) {
                         return call.Core(operationReceipt, [&](const OperationReceiptComponent& receipts) {
                           return receipts.Cancel(operationToken);
                         });
@@ -50,25 +50,25 @@ VXT_Result InProc_OperationReceipt::Destroy(uint64_t operationToken) {
 }
 
 VXT_Result InProc_OperationReceipt::DestroyMany(const uint64_t* operationTokens, uint32_t numTokens) {
-  return RunOperation(logger, VXT_OPERATION(OperationReceipt, DestroyMany),
-                      TraceArgs("operationTokens", List<Hex16>(operationTokens, numTokens), "numTokens",
-                                Dec{numTokens}),
-                      NoArgs{}, [&](Call& call) {
-                        return call.NotNull(operationTokens, "operationTokens")
-                            .Core(operationReceipt, [&](const OperationReceiptComponent& receipts) {
-                              // The first failure ends the loop: the tokens
-                              // behind it stay alive.
-                              for (uint32_t i = 0; i < numTokens; ++i) {
-                                if (const uint32_t failure = receipts.Destroy(operationTokens[i])) return failure;
-                              }
-                              return code::kSuccess;
-                            });
-                      });
+  return RunOperation(
+      logger, VXT_OPERATION(OperationReceipt, DestroyMany),
+      TraceArgs("operationTokens", List<Hex16>(operationTokens, numTokens), "numTokens", Dec{numTokens}), NoArgs{},
+      [&](Call& call) {
+        return call.NotNull(operationTokens, "operationTokens")
+            .Core(operationReceipt, [&](const OperationReceiptComponent& receipts) {
+              // The first failure ends the loop: the tokens
+              // behind it stay alive.
+              for (uint32_t i = 0; i < numTokens; ++i) {
+                if (const uint32_t failure = receipts.Destroy(operationTokens[i])) return failure;
+              }
+              return code::kSuccess;
+            });
+      });
 }
 
 VXT_Result InProc_OperationReceipt::Flush(uint64_t operationToken) {
-  return RunOperation(logger, VXT_OPERATION(OperationReceipt, Flush), TraceArgs("operationToken", Hex16{operationToken}),
-                      NoArgs{}, [&](Call& call) {
+  return RunOperation(logger, VXT_OPERATION(OperationReceipt, Flush),
+                      TraceArgs("operationToken", Hex16{operationToken}), NoArgs{}, [&](Call& call) {
                         return call.Core(operationReceipt, [&](const OperationReceiptComponent& receipts) {
                           return receipts.Flush(operationToken);
                         });
@@ -90,8 +90,7 @@ VXT_Result InProc_OperationReceipt::GetOperationErrorMessage(uint64_t operationT
       });
 }
 
-VXT_Result InProc_OperationReceipt::GetOperationErrorResult(uint64_t operationToken,
-                                                            VXT_Result* operationErrorResult) {
+VXT_Result InProc_OperationReceipt::GetOperationErrorResult(uint64_t operationToken, VXT_Result* operationErrorResult) {
   return RunOperation(logger, VXT_OPERATION(OperationReceipt, GetOperationErrorResult),
                       TraceArgs("operationToken", Hex16{operationToken}),
                       TraceArgs("operationErrorResult", Out<Hex8>(operationErrorResult)), [&](Call& call) {
@@ -108,18 +107,17 @@ VXT_Result InProc_OperationReceipt::GetOperationErrorResult(uint64_t operationTo
                       });
 }
 
-VXT_Result InProc_OperationReceipt::GetOperationStatus(uint64_t operationToken, VXT_OperationStatus* status) {
-  return RunOperation(logger, VXT_OPERATION(OperationReceipt, GetOperationStatus),
-                      TraceArgs("operationToken", Hex16{operationToken}),
-                      TraceArgs("status", Out<Enum<OperationStatusName>>(status)), [&](Call& call) {
-                        return call.NotNull(status, "status")
-                            .Core(operationReceipt, [&](const OperationReceiptComponent& receipts) {
-                              uint32_t state = 0;
-                              const uint32_t failure = receipts.GetOperationStatus(operationToken, &state);
-                              if (failure == code::kSuccess) *status = static_cast<VXT_OperationStatus>(state);
-                              return failure;
-                            });
-                      });
+VXT_Result InProc_OperationReceipt::GetOperationStatus(uint64_t operationToken, OperationStatus* status) {
+  return RunOperation(
+      logger, VXT_OPERATION(OperationReceipt, GetOperationStatus), TraceArgs("operationToken", Hex16{operationToken}),
+      TraceArgs("status", Out<Enum<OperationStatusName>>(status)), [&](Call& call) {
+        return call.NotNull(status, "status").Core(operationReceipt, [&](const OperationReceiptComponent& receipts) {
+          uint32_t state = 0;
+          const uint32_t failure = receipts.GetOperationStatus(operationToken, &state);
+          if (failure == code::kSuccess) *status = static_cast<OperationStatus>(state);
+          return failure;
+        });
+      });
 }
 
 }  // namespace vxt

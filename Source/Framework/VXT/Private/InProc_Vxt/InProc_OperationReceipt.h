@@ -25,7 +25,7 @@ class InProc_OperationReceipt : public SingletonService<InProc_OperationReceipt>
   VXT_Result GetOperationErrorMessage(uint64_t operationToken, char* buffer, uint32_t maxBufferSize,
                                       uint32_t* actualStringSize) override;
   VXT_Result GetOperationErrorResult(uint64_t operationToken, VXT_Result* operationErrorResult) override;
-  VXT_Result GetOperationStatus(uint64_t operationToken, VXT_OperationStatus* status) override;
+  VXT_Result GetOperationStatus(uint64_t operationToken, OperationStatus* status) override;
   VXT_Result GetValue(uint64_t operationToken, VXT_BitData* value) override;
   VXT_Result GetValueAsUInt64(uint64_t operationToken, uint64_t* value) override;
   VXT_Result GetValueAsUInt32(uint64_t operationToken, uint32_t* value) override;
