@@ -53,6 +53,18 @@ ReceiptOutcome TimedOut(const char* operation, const LiveTopology& live, uint32_
                                                     " is locked by " + ClientName(conflict.holder));
 }
 
+// A lock request whose topology was dropped or whose client left before it
+// took its devices: the code and the text behind the operation's name.
+struct Lost {
+  uint32_t code;
+  std::string text;
+};
+Lost LostRequest(DeviceLocks::Outcome outcome, uint32_t client, const char* when) {
+  if (outcome == DeviceLocks::Outcome::Retired)
+    return {kTopologyNotBuilt, std::string(": the target's topology was dropped while the lock was ") + when};
+  return {kClientNotRegistered, ": client " + std::to_string(client) + " disconnected while the lock was " + when};
+}
+
 // What a worker does for a request that could not be granted at once.
 ReceiptOutcome AwaitLocks(const char* operation, const std::shared_ptr<LiveTopology>& live, uint32_t client,
                           uint64_t clientEpoch, const std::vector<uint32_t>& deviceIds, uint32_t timeout,
@@ -64,13 +76,10 @@ ReceiptOutcome AwaitLocks(const char* operation, const std::shared_ptr<LiveTopol
     case DeviceLocks::Outcome::Canceled:
       return ReceiptOutcome::Canceled();
     case DeviceLocks::Outcome::Retired:
-      return ReceiptOutcome::Failure(kTopologyNotBuilt, std::string(operation) +
-                                                            ": the target's topology was dropped while the lock "
-                                                            "was awaited");
-    case DeviceLocks::Outcome::ClientGone:
-      return ReceiptOutcome::Failure(
-          kClientNotRegistered,
-          std::string(operation) + ": client " + std::to_string(client) + " disconnected while the lock was awaited");
+    case DeviceLocks::Outcome::ClientGone: {
+      const Lost lost = LostRequest(result.outcome, client, "awaited");
+      return ReceiptOutcome::Failure(lost.code, std::string(operation) + lost.text);
+    }
     case DeviceLocks::Outcome::Busy:  // Take waits on instead
     case DeviceLocks::Outcome::TimedOut:
       break;
@@ -120,10 +129,10 @@ uint32_t RequestLocks(Request& request, std::span<const uint32_t> deviceIds, uin
       *operationToken = receipts::FinishedReceipt(ReceiptOutcome::Success());
       return 0;
     case DeviceLocks::Outcome::Retired:
-      return request.Refuse(kTopologyNotBuilt, ": the target's topology was dropped while the lock was asked for");
-    case DeviceLocks::Outcome::ClientGone:
-      return request.Refuse(kClientNotRegistered, ": client " + std::to_string(client) +
-                                                      " disconnected while the lock was asked for");
+    case DeviceLocks::Outcome::ClientGone: {
+      const Lost lost = LostRequest(attempt.outcome, client, "asked for");
+      return request.Refuse(lost.code, lost.text);
+    }
     case DeviceLocks::Outcome::Busy:
     case DeviceLocks::Outcome::TimedOut:
     case DeviceLocks::Outcome::Canceled:  // TryTake neither waits nor watches a stop token

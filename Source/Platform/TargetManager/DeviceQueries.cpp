@@ -59,6 +59,11 @@ std::vector<uint32_t> IdsOfTypes(Request& request, uint32_t targetDomainId, uint
   return ids;
 }
 
+std::vector<uint32_t> ChildIds(Request& request, uint32_t deviceId) {
+  const Node* device = request.Device(deviceId);
+  return device ? device->childIds : std::vector<uint32_t>{};
+}
+
 std::vector<uint32_t> DescendantIds(Request& request, uint32_t deviceId, VXT_NodeType type, bool onlyEnabled) {
   std::vector<uint32_t> ids;
   const Node* device = request.Device(deviceId);
@@ -117,8 +122,6 @@ uint32_t Fill(Request& request, uint32_t max, uint32_t* out, const char* outName
   return 0;
 }
 
-std::string Hex(uint32_t value) { return HexId(value); }
-
 }  // namespace
 
 uint32_t GetNumTargetDomainDeviceIds(uint32_t* numTargetDomains) {
@@ -141,7 +144,7 @@ uint32_t GetTargetDomainDeviceIds(uint32_t maxNumTargetDomains, uint32_t* target
 
 uint32_t GetNumDeviceIdsOfTypes(uint32_t targetDomainId, uint32_t numNodeTypes, const VXT_NodeType* nodeTypes,
                                 uint32_t* numDeviceIds) {
-  VOXTREL_COMPONENT_CALL("TargetManager.GetNumDeviceIdsOfTypes", "targetDomainId=", Hex(targetDomainId),
+  VOXTREL_COMPONENT_CALL("TargetManager.GetNumDeviceIdsOfTypes", "targetDomainId=", HexId(targetDomainId),
                          ", numNodeTypes=", numNodeTypes);
   Request request("TargetManager.GetNumDeviceIdsOfTypes");
   return Count(request, numDeviceIds, "numDeviceIds",
@@ -150,7 +153,7 @@ uint32_t GetNumDeviceIdsOfTypes(uint32_t targetDomainId, uint32_t numNodeTypes, 
 
 uint32_t GetDeviceIdsOfTypes(uint32_t targetDomainId, uint32_t numNodeTypes, const VXT_NodeType* nodeTypes,
                              uint32_t maxNumDeviceIds, uint32_t* deviceIds) {
-  VOXTREL_COMPONENT_CALL("TargetManager.GetDeviceIdsOfTypes", "targetDomainId=", Hex(targetDomainId),
+  VOXTREL_COMPONENT_CALL("TargetManager.GetDeviceIdsOfTypes", "targetDomainId=", HexId(targetDomainId),
                          ", numNodeTypes=", numNodeTypes, ", maxNumDeviceIds=", maxNumDeviceIds);
   Request request("TargetManager.GetDeviceIdsOfTypes");
   return Fill(request, maxNumDeviceIds, deviceIds, "deviceIds",
@@ -158,7 +161,7 @@ uint32_t GetDeviceIdsOfTypes(uint32_t targetDomainId, uint32_t numNodeTypes, con
 }
 
 uint32_t GetParentIdForDevice(uint32_t deviceId, uint32_t* parentId) {
-  VOXTREL_COMPONENT_CALL("TargetManager.GetParentIdForDevice", "deviceId=", Hex(deviceId));
+  VOXTREL_COMPONENT_CALL("TargetManager.GetParentIdForDevice", "deviceId=", HexId(deviceId));
   Request request("TargetManager.GetParentIdForDevice");
   const Node* device = request.NotNull(parentId, "parentId").Device(deviceId);
   if (device == nullptr) return request.code();
@@ -167,26 +170,20 @@ uint32_t GetParentIdForDevice(uint32_t deviceId, uint32_t* parentId) {
 }
 
 uint32_t GetNumChildrenIds(uint32_t deviceId, uint32_t* numChildren) {
-  VOXTREL_COMPONENT_CALL("TargetManager.GetNumChildrenIds", "deviceId=", Hex(deviceId));
+  VOXTREL_COMPONENT_CALL("TargetManager.GetNumChildrenIds", "deviceId=", HexId(deviceId));
   Request request("TargetManager.GetNumChildrenIds");
-  return Count(request, numChildren, "numChildren", [&] {
-    const Node* device = request.Device(deviceId);
-    return device ? device->childIds : std::vector<uint32_t>{};
-  });
+  return Count(request, numChildren, "numChildren", [&] { return ChildIds(request, deviceId); });
 }
 
 uint32_t GetChildrenIds(uint32_t deviceId, uint32_t maxChildrenIds, uint32_t* childrenIds) {
-  VOXTREL_COMPONENT_CALL("TargetManager.GetChildrenIds", "deviceId=", Hex(deviceId),
+  VOXTREL_COMPONENT_CALL("TargetManager.GetChildrenIds", "deviceId=", HexId(deviceId),
                          ", maxChildrenIds=", maxChildrenIds);
   Request request("TargetManager.GetChildrenIds");
-  return Fill(request, maxChildrenIds, childrenIds, "childrenIds", [&] {
-    const Node* device = request.Device(deviceId);
-    return device ? device->childIds : std::vector<uint32_t>{};
-  });
+  return Fill(request, maxChildrenIds, childrenIds, "childrenIds", [&] { return ChildIds(request, deviceId); });
 }
 
 uint32_t GetAncestorIdForType(uint32_t deviceId, VXT_NodeType ancestorType, uint32_t* ancestorId) {
-  VOXTREL_COMPONENT_CALL("TargetManager.GetAncestorIdForType", "deviceId=", Hex(deviceId),
+  VOXTREL_COMPONENT_CALL("TargetManager.GetAncestorIdForType", "deviceId=", HexId(deviceId),
                          ", ancestorType=", NodeTypeText(ancestorType));
   Request request("TargetManager.GetAncestorIdForType");
   const Node* device = request.NotNull(ancestorId, "ancestorId").Device(deviceId);
@@ -204,7 +201,7 @@ uint32_t GetAncestorIdForType(uint32_t deviceId, VXT_NodeType ancestorType, uint
 
 uint32_t GetNumDescendantIdsForType(uint32_t deviceId, VXT_NodeType descendantType, bool onlyEnabledDescendants,
                                     uint32_t* numDescendants) {
-  VOXTREL_COMPONENT_CALL("TargetManager.GetNumDescendantIdsForType", "deviceId=", Hex(deviceId),
+  VOXTREL_COMPONENT_CALL("TargetManager.GetNumDescendantIdsForType", "deviceId=", HexId(deviceId),
                          ", descendantType=", NodeTypeText(descendantType),
                          ", onlyEnabledDescendants=", onlyEnabledDescendants);
   Request request("TargetManager.GetNumDescendantIdsForType");
@@ -214,7 +211,7 @@ uint32_t GetNumDescendantIdsForType(uint32_t deviceId, VXT_NodeType descendantTy
 
 uint32_t GetDescendantIdsForType(uint32_t deviceId, VXT_NodeType descendantType, bool onlyEnabledDescendants,
                                  uint32_t maxDescendantIds, uint32_t* descendantIds) {
-  VOXTREL_COMPONENT_CALL("TargetManager.GetDescendantIdsForType", "deviceId=", Hex(deviceId),
+  VOXTREL_COMPONENT_CALL("TargetManager.GetDescendantIdsForType", "deviceId=", HexId(deviceId),
                          ", descendantType=", NodeTypeText(descendantType),
                          ", onlyEnabledDescendants=", onlyEnabledDescendants, ", maxDescendantIds=", maxDescendantIds);
   Request request("TargetManager.GetDescendantIdsForType");
@@ -223,7 +220,7 @@ uint32_t GetDescendantIdsForType(uint32_t deviceId, VXT_NodeType descendantType,
 }
 
 uint32_t GetNodeType(uint32_t deviceId, VXT_NodeType* nodeType) {
-  VOXTREL_COMPONENT_CALL("TargetManager.GetNodeType", "deviceId=", Hex(deviceId));
+  VOXTREL_COMPONENT_CALL("TargetManager.GetNodeType", "deviceId=", HexId(deviceId));
   Request request("TargetManager.GetNodeType");
   const Node* device = request.NotNull(nodeType, "nodeType").Device(deviceId);
   if (device == nullptr) return request.code();
@@ -232,7 +229,7 @@ uint32_t GetNodeType(uint32_t deviceId, VXT_NodeType* nodeType) {
 }
 
 uint32_t GetIdentifierForDeviceId(uint32_t deviceId, char* identifier) {
-  VOXTREL_COMPONENT_CALL("TargetManager.GetIdentifierForDeviceId", "deviceId=", Hex(deviceId));
+  VOXTREL_COMPONENT_CALL("TargetManager.GetIdentifierForDeviceId", "deviceId=", HexId(deviceId));
   Request request("TargetManager.GetIdentifierForDeviceId");
   const Node* device = request.NotNull(identifier, "identifier").Device(deviceId);
   if (device == nullptr) return request.code();
@@ -244,7 +241,7 @@ uint32_t GetDeviceIdForIdentifier(uint32_t targetDomainId, const char* identifie
   // An identifier has at most 63 characters: reading further cannot find one.
   const std::string_view wanted =
       identifier ? std::string_view(identifier, strnlen(identifier, VXT_DEVICE_IDENTIFIER_SIZE)) : std::string_view();
-  VOXTREL_COMPONENT_CALL("TargetManager.GetDeviceIdForIdentifier", "targetDomainId=", Hex(targetDomainId),
+  VOXTREL_COMPONENT_CALL("TargetManager.GetDeviceIdForIdentifier", "targetDomainId=", HexId(targetDomainId),
                          ", identifier=", identifier ? "\"" + std::string(wanted) + "\"" : "<NULL>");
   Request request("TargetManager.GetDeviceIdForIdentifier");
   const Node* domain =
@@ -269,7 +266,7 @@ uint32_t GetDeviceIdForIdentifier(uint32_t targetDomainId, const char* identifie
 }
 
 uint32_t GetDebugportIdForDevice(uint32_t deviceId, uint32_t* debugPortId) {
-  VOXTREL_COMPONENT_CALL("TargetManager.GetDebugportIdForDevice", "deviceId=", Hex(deviceId));
+  VOXTREL_COMPONENT_CALL("TargetManager.GetDebugportIdForDevice", "deviceId=", HexId(deviceId));
   Request request("TargetManager.GetDebugportIdForDevice");
   const Node* device = request.NotNull(debugPortId, "debugPortId").Device(deviceId);
   if (device == nullptr) return request.code();
@@ -281,7 +278,7 @@ uint32_t GetDebugportIdForDevice(uint32_t deviceId, uint32_t* debugPortId) {
 
 uint32_t GetNumDeviceIdsInCoreGroup(uint32_t coreGroupId, VXT_NodeType nodeType, bool onlyEnabledDevices,
                                     uint32_t* numDevices) {
-  VOXTREL_COMPONENT_CALL("TargetManager.GetNumDeviceIdsInCoreGroup", "coreGroupId=", Hex(coreGroupId),
+  VOXTREL_COMPONENT_CALL("TargetManager.GetNumDeviceIdsInCoreGroup", "coreGroupId=", HexId(coreGroupId),
                          ", nodeType=", NodeTypeText(nodeType), ", onlyEnabledDevices=", onlyEnabledDevices);
   Request request("TargetManager.GetNumDeviceIdsInCoreGroup");
   return Count(request, numDevices, "numDevices",
@@ -290,7 +287,7 @@ uint32_t GetNumDeviceIdsInCoreGroup(uint32_t coreGroupId, VXT_NodeType nodeType,
 
 uint32_t GetDeviceIdsInCoreGroup(uint32_t coreGroupId, VXT_NodeType nodeType, bool onlyEnabledDevices,
                                  uint32_t maxDeviceIds, uint32_t* deviceIds) {
-  VOXTREL_COMPONENT_CALL("TargetManager.GetDeviceIdsInCoreGroup", "coreGroupId=", Hex(coreGroupId),
+  VOXTREL_COMPONENT_CALL("TargetManager.GetDeviceIdsInCoreGroup", "coreGroupId=", HexId(coreGroupId),
                          ", nodeType=", NodeTypeText(nodeType), ", onlyEnabledDevices=", onlyEnabledDevices,
                          ", maxDeviceIds=", maxDeviceIds);
   Request request("TargetManager.GetDeviceIdsInCoreGroup");
@@ -299,7 +296,7 @@ uint32_t GetDeviceIdsInCoreGroup(uint32_t coreGroupId, VXT_NodeType nodeType, bo
 }
 
 uint32_t GetCoreGroupIdForDevice(uint32_t deviceId, uint32_t* coreGroupId) {
-  VOXTREL_COMPONENT_CALL("TargetManager.GetCoreGroupIdForDevice", "deviceId=", Hex(deviceId));
+  VOXTREL_COMPONENT_CALL("TargetManager.GetCoreGroupIdForDevice", "deviceId=", HexId(deviceId));
   Request request("TargetManager.GetCoreGroupIdForDevice");
   const Node* device = request.NotNull(coreGroupId, "coreGroupId").Device(deviceId);
   if (device == nullptr) return request.code();
