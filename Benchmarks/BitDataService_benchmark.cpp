@@ -6,11 +6,11 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
-#include <cstdio>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "BenchmarkClient.h"
 #include "InProc_Vxt.h"
 #include "PlatformTestControl.h"
 
@@ -21,22 +21,10 @@ constexpr int32_t kShift = 13;  // odd, so every word is split
 
 // One client holding both services for the whole run, as a tool would.
 struct BitDataConnection {
-  BitDataConnection() {
-    client.structureSize = VXT_CLIENT_SIZE;
-    client.clientId = 2;
-    std::snprintf(client.identifier, sizeof client.identifier, "bitdata_benchmark_2@localhost");
-    StartNewInstance(&client, 1, VXT_ServerHostingType_In_Process, nullptr);
-    void* service = nullptr;
-    GetService(nullptr, VXT_Service_BitData, &service);
-    bits = static_cast<IInternalService_BitData*>(service);
-    GetService(nullptr, VXT_Service_BitDataOperations, &service);
-    ops = static_cast<IInternalService_BitDataOperations*>(service);
-  }
-  ~BitDataConnection() { Disconnect(client.clientId); }
-
-  VXT_Client client{};
-  IInternalService_BitData* bits = nullptr;
-  IInternalService_BitDataOperations* ops = nullptr;
+  BenchmarkClient client{2, "bitdata_benchmark_2@localhost"};
+  IInternalService_BitData* bits = BenchmarkClient::Get<IInternalService_BitData>(VXT_Service_BitData);
+  IInternalService_BitDataOperations* ops =
+      BenchmarkClient::Get<IInternalService_BitDataOperations>(VXT_Service_BitDataOperations);
 };
 
 BitDataConnection& Connected() {

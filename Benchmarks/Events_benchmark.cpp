@@ -8,9 +8,9 @@
 
 #include <atomic>
 #include <cstdint>
-#include <cstdio>
 #include <utility>
 
+#include "BenchmarkClient.h"
 #include "EventBroker.h"
 #include "InProc_Vxt.h"
 #include "PlatformTestControl.h"
@@ -23,20 +23,10 @@ constexpr int kMaxSubscribers = 11;
 
 // One client for the whole run, so that the broker delivers.
 struct EventConnection {
-  EventConnection() {
-    client.structureSize = VXT_CLIENT_SIZE;
-    client.clientId = 6;
-    std::snprintf(client.identifier, sizeof client.identifier, "events_6@localhost");
-    StartNewInstance(&client, 1, VXT_ServerHostingType_In_Process, nullptr);
-    void* service = nullptr;
-    GetService(nullptr, VXT_Service_Event, &service);
-    events = static_cast<IInternalService_Event*>(service);
-    Voxtrel_GetEventBroker(&broker);
-  }
-  ~EventConnection() { Disconnect(client.clientId); }
+  EventConnection() { Voxtrel_GetEventBroker(&broker); }
 
-  VXT_Client client{};
-  IInternalService_Event* events = nullptr;
+  BenchmarkClient client{6, "events_6@localhost"};
+  IInternalService_Event* events = BenchmarkClient::Get<IInternalService_Event>(VXT_Service_Event);
   const EventBrokerComponent* broker = nullptr;
 };
 

@@ -10,6 +10,7 @@
 
 #include <unistd.h>
 
+#include "BenchmarkClient.h"
 #include "Common.h"
 #include "InProc_Vxt.h"
 #include "PlatformTestControl.h"
@@ -30,21 +31,10 @@ const bool logFileNamed = [] {
 
 // One client for the whole run, as a tool would hold it.
 struct Connection {
-  Connection() {
-    client.structureSize = VXT_CLIENT_SIZE;
-    client.clientId = 1;
-    std::snprintf(client.identifier, sizeof client.identifier, "benchmark_1@localhost");
-    StartNewInstance(&client, 1, VXT_ServerHostingType_In_Process, nullptr);
-    FinishInitialization();
-    void* service = nullptr;
-    GetService(nullptr, VXT_Service_General, &service);
-    general = static_cast<IInternalService_General*>(service);
-    Voxtrel_GetCommon(&common);
-  }
-  ~Connection() { Disconnect(client.clientId); }
+  Connection() { Voxtrel_GetCommon(&common); }
 
-  VXT_Client client{};
-  IInternalService_General* general = nullptr;
+  BenchmarkClient client{1, "benchmark_1@localhost", BenchmarkClient::Target::kBuilt};
+  IInternalService_General* general = BenchmarkClient::Get<IInternalService_General>(VXT_Service_General);
   const CommonComponent* common = nullptr;
 };
 
