@@ -23,16 +23,11 @@ struct BrokerHandler {
 };
 
 const BrokerHandler kHandlers[] = {
-    {"PowerDomain", &TargetPowerDomainEventHandler},
-    {"TargetPower", &TargetPowerEventHandler},
-    {"TargetReset", &TargetResetEventHandler},
-    {"TargetFeature", &TargetFeatureEventHandler},
-    {"Reconfiguration", &ReconfigurationEventHandler},
-    {"Message", &MessageEventHandler},
-    {"RunControl", &RunControlEventHandler},
-    {"Client", &ClientEventHandler},
-    {"SystemStall", &SystemStallEventHandler},
-    {"StatePort", &StatePortEventHandler},
+    {"PowerDomain", &TargetPowerDomainEventHandler},   {"TargetPower", &TargetPowerEventHandler},
+    {"TargetReset", &TargetResetEventHandler},         {"TargetFeature", &TargetFeatureEventHandler},
+    {"Reconfiguration", &ReconfigurationEventHandler}, {"Message", &MessageEventHandler},
+    {"RunControl", &RunControlEventHandler},           {"Client", &ClientEventHandler},
+    {"SystemStall", &SystemStallEventHandler},         {"StatePort", &StatePortEventHandler},
 };
 
 class EventReceptionTest : public test::PlatformTest {
@@ -65,8 +60,7 @@ class EventReceptionTest : public test::PlatformTest {
 
   static Strings LeveledTrace() {
     Strings lines;
-    for (const tc::TraceLine& line : tc::CapturedTrace())
-      lines.push_back(std::to_string(line.level) + " " + line.text);
+    for (const tc::TraceLine& line : tc::CapturedTrace()) lines.push_back(std::to_string(line.level) + " " + line.text);
     return lines;
   }
 };

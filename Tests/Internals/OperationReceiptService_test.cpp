@@ -66,8 +66,9 @@ TEST_F(OperationReceiptServiceTest, AStatusWithoutANameIsPassedOnAndTracedUnknow
   auto status = VXT_OperationStatus_Pending;
   EXPECT_EQ(service.GetOperationStatus(0x10, &status), 0);
   EXPECT_EQ(static_cast<uint32_t>(status), 7u);
-  EXPECT_EQ(Trace().back(), "Out InProc_OperationReceipt::GetOperationStatus(status = <UNKNOWN>) ErrorCode = "
-                            "0x00000000 [ClientID: 3]");
+  EXPECT_EQ(Trace().back(),
+            "Out InProc_OperationReceipt::GetOperationStatus(status = <UNKNOWN>) ErrorCode = "
+            "0x00000000 [ClientID: 3]");
 }
 
 TEST_F(OperationReceiptServiceTest, AValueIsFreedWhateverTheOutcome) {

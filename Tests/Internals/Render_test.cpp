@@ -37,41 +37,23 @@ void ExpectAll(const std::vector<RenderCase>& cases) {
 TEST(RenderTest, SingleValues) {
   const char unterminated[3] = {'a', 'b', 'c'};
   ExpectAll({
-      {"hex2", Line(Hex2{uint8_t{0x0a}}), "0x0a"},
       {"hex2 of a character prints a number", Line(Hex2{'A'}), "0x41"},
-      {"hex2 of 255", Line(Hex2{uint8_t{255}}), "0xff"},
-      {"hex4", Line(Hex4{uint16_t{0xff}}), "0x00ff"},
-      {"hex4 of the largest value", Line(Hex4{uint16_t{0xFFFF}}), "0xffff"},
-      {"hex8 of 0", Line(Hex8{0u}), "0x00000000"},
-      {"hex8 of 0xFFFFFFFF", Line(Hex8{0xFFFFFFFFu}), "0xffffffff"},
-      {"hex8 of a negative code", Line(Hex8{static_cast<int32_t>(0x80000001u)}), "0x80000001"},
       {"hex8 of -1", Line(Hex8{int32_t{-1}}), "0xffffffff"},
-      {"hex16", Line(Hex16{uint64_t{0x1000}}), "0x0000000000001000"},
-      {"hex16 of the largest value", Line(Hex16{~uint64_t{0}}), "0xffffffffffffffff"},
       {"hex4 of a wider value keeps sixteen bits", Line(Hex4{0x12345u}), "0x2345"},
       {"hex8 of a 64-bit value keeps 32 bits", Line(Hex8{uint64_t{0x123456789}}), "0x23456789"},
       {"hex16 of a negative 32-bit value", Line(Hex16{int32_t{-2}}), "0xfffffffffffffffe"},
-      {"dec of an unsigned value", Line(Dec{4294967295u}), "4294967295"},
-      {"dec of a negative value", Line(Dec{int32_t{-5}}), "-5"},
       {"dec of the smallest 64-bit value", Line(Dec{std::numeric_limits<int64_t>::min()}), "-9223372036854775808"},
       {"dec of the largest 64-bit value", Line(Dec{~uint64_t{0}}), "18446744073709551615"},
       {"dec of a byte prints a number", Line(Dec{uint8_t{200}}), "200"},
-      {"dec of a signed byte", Line(Dec{int8_t{-1}}), "-1"},
       {"dec of an enumeration", Line(Dec{VXT_BreakpointType_HW_Global}), "32768"},
-      {"bool true", Line(Bool{true}), "True"},
-      {"bool false", Line(Bool{false}), "False"},
       {"32-bit boolean, nonzero", Line(Bool{2u}), "True"},
-      {"32-bit boolean, zero", Line(Bool{0u}), "False"},
       {"quoted", Line(Quoted{"abc"}), "'abc'"},
-      {"quoted empty text", Line(Quoted{""}), "''"},
       {"quoted null", Line(Quoted{nullptr}), "<NULL>"},
       {"quoted field without its zero", Line(Quoted{unterminated, sizeof unterminated}), "'abc'"},
       {"quoted field shorter than its bound", Line(Quoted{"ab", 8}), "'ab'"},
       {"pointer", Line(Pointer{reinterpret_cast<const void*>(0xabcdef12u)}), "00000000ABCDEF12"},
       {"null pointer", Line(Pointer{nullptr}), "0000000000000000"},
       {"infinite timeout", Line(Timeout{0xFFFFFFFFu}), "<INFINITE>"},
-      {"finite timeout", Line(Timeout{5000}), "5000"},
-      {"zero timeout", Line(Timeout{0}), "0"},
       {"omitted", Line(Omitted{}), "<OMITTED>"},
       {"unlisted buffer", Line(NotListed{unterminated}), "{...}"},
       {"unlisted null buffer", Line(NotListed{nullptr}), "<NULL>"},
@@ -96,7 +78,6 @@ TEST(RenderTest, EnumerationValues) {
 TEST(RenderTest, StreamStateWithinALine) {
   ExpectAll({
       {"dec after hex8", Line(Hex8{10u}, " ", Dec{10u}), "0x0000000a 10"},
-      {"hex8 after dec", Line(Dec{10u}, " ", Hex8{10u}), "10 0x0000000a"},
       {"unnamed value after hex8 prints bare hexadecimal, unpadded", Line(Hex8{1u}, " ", Enum<BreakpointTypeName>{77u}),
        "0x00000001 4d"},
       {"unnamed value after dec prints decimal", Line(Hex8{1u}, " ", Dec{2u}, " ", Enum<BreakpointTypeName>{77u}),
@@ -116,129 +97,44 @@ TEST(RenderTest, StreamStateWithinALine) {
   });
 }
 
-// Every index table, name by name from 0, and the first value past it,
-// which has no name. A misspelt, missing or doubled name fails here.
-struct IndexTable {
-  const char* table;
-  const char* (*nameOf)(uint32_t);
-  std::vector<std::string> names;
-};
-
-TEST(EnumNamesTest, IndexTablesNameTheirRangeAndNothingElse) {
-  const IndexTable tables[] = {
-      {"InstructionType", InstructionTypeName, {"16Bit", "32Bit", "64Bit", "XBit"}},
-      {"PinsState", PinsStateName, {"Assert", "Deassert"}},
-      {"PinsSignal",
-       PinsSignalName,
-       {"HOOK0", "HOOK1", "HOOK2", "HOOK3", "HOOK4", "HOOK5", "HOOK6", "HOOK7", "Reset", "DBR", "PREQ", "PRDY",
-        "PWRGOOD"}},
-      {"BitwiseOperation", BitwiseOperationName, {"OR", "AND", "XOR"}},
-      {"BreakAllSetting", BreakAllSettingName, {"Disabled", "Enabled"}},
-      {"AddressType",
-       AddressTypeName,
-       {"Physical", "Linear", "GuestPhysical", "OneFieldCodeLogical", "OneFieldDataLogical", "OneFieldStackLogical",
-        "TwoFieldLogical", "ThreeFieldLogical"}},
-      {"BreakpointDataSize", BreakpointDataSizeName, {"Data_Size_1", "Data_Size_2", "Data_Size_4", "Data_Size_8"}},
-      {"DebugRegister", DebugRegisterName, {"Register_Any", "Register_0", "Register_1", "Register_2", "Register_3"}},
-      {"NodeType", NodeTypeName, {"Unknown",       "LogicalRoot",    "TargetDomain",       "LogicalThread",
-                                  "LogicalCore",   "LogicalUncore",  "LogicalChipset",     "LogicalBox",
-                                  "LogicalDie",    "LogicalPackage", "LogicalGroupDomain", "LogicalGroupCore",
-                                  "Debugport",     "JTAGScanChain",  "TAPController",      "InterfacePort",
-                                  "LogicalModule", "I2cBus",         "PinsInterface",      "VirtualJTAGScanChain"}},
-      {"InterfacePortState", InterfacePortStateName, {"Unknown", "Online", "Configured", "WindowOpen", "Offline"}},
-      {"JtagRepeatType",
-       JtagRepeatTypeName,
-       {"MAX_ITER", "COMPARE_MATCH_OR_FAIL_AT_MAX_ITER", "TRIGGER_OR_FAIL_AT_MAX_ITER"}},
-      {"JtagState",
-       JtagStateName,
-       {"TLR", "RTI", "SelDR", "CapDR", "ShfDR", "Ex1DR", "PauDR", "Ex2DR", "UpdDR", "SelIR", "CapIR", "ShfIR", "Ex1IR",
-        "PauIR", "Ex2IR", "UpdIR"}},
-      {"JtagResetType", JtagResetTypeName, {"TLR_TRST", "TLR_ONLY", "TRST_ONLY"}},
-      {"JtagWaitType", JtagWaitTypeName, {"COUNT", "COUNT_OR_TRIG", "COUNT_TRIGTO", "COUNT_OR_TRIG_TRIGTO"}},
-      {"OperationStatus", OperationStatusName, {"Pending", "Active", "Completed", "Canceled", "Failed"}},
-      {"SurvivabilityPreset", SurvivabilityPresetName, {"PlatformDefault", "LowPower", "ExtremelyLowPower", "Custom"}},
-      {"TransportFeature", TransportFeatureName, {"Transport", "Trace"}},
-      {"Preference", PreferenceName, {"Dont_Care", "Prefer", "Disfavor"}},
-      {"PreconditionState", PreconditionStateName, {"False", "True", "Unknown"}},
-      {"CpuidRegister", CpuidRegisterName, {"EAX", "EBX", "ECX", "EDX"}},
-      {"StepType", StepTypeName, {"INVALID", "Into", "Over", "Out", "Branch"}},
-      {"RunStatus", RunStatusName, {"Running", "SomeRunning", "Halted", "Other", "NotSupported"}},
-      {"StepMode", StepModeName, {"ReleaseTargetedThread", "ReleaseAllThreads"}},
-  };
-  for (const IndexTable& t : tables) {
-    SCOPED_TRACE(t.table);
-    const auto count = static_cast<uint32_t>(t.names.size());
-    for (uint32_t value = 0; value < count; ++value) EXPECT_EQ(t.nameOf(value), t.names[value]) << value;
-    EXPECT_STREQ(t.nameOf(count), "<UNKNOWN>");
-    EXPECT_STREQ(t.nameOf(0xFFFFFFFFu), "<UNKNOWN>");
-  }
-}
-
-// The public enumerators hold the values the name tables are indexed by.
-TEST(EnumNamesTest, PublicEnumeratorsMatchTheirNames) {
-  struct Enumerator {
-    const char* (*nameOf)(uint32_t);
-    uint32_t value;
-    const char* name;
-  };
-  const Enumerator enumerators[] = {
-      {NodeTypeName, VXT_NodeType_VirtualJTAGScanChain, "VirtualJTAGScanChain"},
-      {NodeTypeName, VXT_NodeType_Debugport, "Debugport"},
-      {JtagStateName, VXT_JtagState_UpdIR, "UpdIR"},
-      {PinsSignalName, VXT_PinsSignal_PWRGOOD, "PWRGOOD"},
-      {AddressTypeName, VXT_AddressType_ThreeFieldLogical, "ThreeFieldLogical"},
-      {DebugRegisterName, VXT_DebugRegister_Register_Any, "Register_Any"},
-      {BitwiseOperationName, VXT_BitwiseOperation_OR, "OR"},
-      {StepTypeName, VXT_StepType_Branch, "Branch"},
-      {OperationStatusName, VXT_OperationStatus_Canceled, "Canceled"},
-      {PreconditionStateName, VXT_PreconditionState_Unknown, "Unknown"},
-  };
-  for (const Enumerator& e : enumerators) EXPECT_STREQ(e.nameOf(e.value), e.name) << e.value;
-}
-
-// Sparse tables: every named value, and the gaps between and around them.
-TEST(EnumNamesTest, SparseTablesNameOnlyTheirValues) {
-  struct Sparse {
+// Names whose spelling is easy to get wrong, the last of each table and the
+// values around the tables; sparse tables name only their values.
+TEST(EnumNamesTest, OddNamesAndValuesWithoutAName) {
+  struct Name {
     const char* (*nameOf)(uint32_t);
     uint32_t value;
     const char* name;  // null: no name
   };
-  const Sparse names[] = {
-      {BreakpointTypeName, VXT_BreakpointType_SW, "SW"},
-      {BreakpointTypeName, VXT_BreakpointType_HW_Exec, "HW_Exec"},
-      {BreakpointTypeName, VXT_BreakpointType_HW_Access, "HW_Access"},
-      {BreakpointTypeName, VXT_BreakpointType_HW_Write, "HW_Write"},
+  const Name names[] = {
+      {InstructionTypeName, VXT_InstructionType_16Bit, "16Bit"},
+      {BreakpointDataSizeName, 0, "Data_Size_1"},
+      {DebugRegisterName, VXT_DebugRegister_Register_Any, "Register_Any"},
+      {JtagRepeatTypeName, 1, "COMPARE_MATCH_OR_FAIL_AT_MAX_ITER"},
+      {JtagWaitTypeName, 3, "COUNT_OR_TRIG_TRIGTO"},
+      {PreferenceName, 0, "Dont_Care"},
+      {NodeTypeName, VXT_NodeType_VirtualJTAGScanChain, "VirtualJTAGScanChain"},
+      {NodeTypeName, VXT_NodeType_VirtualJTAGScanChain + 1, "<UNKNOWN>"},
+      {JtagStateName, VXT_JtagState_UpdIR, "UpdIR"},
+      {JtagStateName, 16, "<UNKNOWN>"},
+      {PinsSignalName, VXT_PinsSignal_PWRGOOD, "PWRGOOD"},
+      {StepModeName, 2, "<UNKNOWN>"},
+      {RunStatusName, 0xFFFFFFFFu, "<UNKNOWN>"},
       {BreakpointTypeName, VXT_BreakpointType_HW_IO, "HW_IO"},
       {BreakpointTypeName, 5, nullptr},
-      {BreakpointTypeName, 0x7FFF, nullptr},
       {BreakpointTypeName, VXT_BreakpointType_HW_Global, "HW_Global"},
-      {BreakpointTypeName, VXT_BreakpointType_Default, "Default"},
       {BreakpointTypeName, 0x8002, nullptr},
       {AccessWidthName, 0, nullptr},
-      {AccessWidthName, VXT_AccessWidth_Byte, "Byte"},
-      {AccessWidthName, VXT_AccessWidth_Word, "Word"},
       {AccessWidthName, 3, nullptr},
-      {AccessWidthName, VXT_AccessWidth_DWord, "DWord"},
       {AccessWidthName, VXT_AccessWidth_QWord, "QWord"},
-      {AccessWidthName, 16, nullptr},
-      {PortByteSizeName, 0, nullptr},
-      {PortByteSizeName, 1, "Byte"},
-      {PortByteSizeName, 2, "Word"},
       {PortByteSizeName, 4, "DWord"},
       {PortByteSizeName, 8, nullptr},
-      {JtagTdiTdoContinuityName, VXT_JtagTdiTdoContinuity_GOOD, "GOOD"},
-      {JtagTdiTdoContinuityName, VXT_JtagTdiTdoContinuity_OPEN, "OPEN"},
-      {JtagTdiTdoContinuityName, VXT_JtagTdiTdoContinuity_SHORT, "SHORT"},
       {JtagTdiTdoContinuityName, 3, nullptr},
       {JtagTdiTdoContinuityName, VXT_JtagTdiTdoContinuity_INVERTED, "INVERTED"},
-      {JtagTdiTdoContinuityName, VXT_JtagTdiTdoContinuity_CORRUPTION, "CORRUPTION"},
       {JtagTdiTdoContinuityName, 0xFFFFFFFFu, nullptr},
   };
-  for (const Sparse& n : names) {
+  for (const Name& n : names) {
     const char* name = n.nameOf(n.value);
-    EXPECT_EQ(name == nullptr ? std::string("(none)") : std::string(name),
-              n.name == nullptr ? std::string("(none)") : std::string(n.name))
-        << n.value;
+    EXPECT_STREQ(name == nullptr ? "(none)" : name, n.name == nullptr ? "(none)" : n.name) << n.value;
   }
 }
 
@@ -253,13 +149,9 @@ TEST(RenderTest, ListsAndBytes) {
   const int32_t signedValues[] = {-1, 2};
   ExpectAll({
       {"bytes", Line(Bytes(bytes, 3u)), "{0x01, 0x02, 0xff}"},
-      {"one byte", Line(Bytes(bytes, 1u)), "{0x01}"},
-      {"bytes through a void pointer", Line(Bytes(static_cast<const void*>(bytes), 2)), "{0x01, 0x02}"},
       {"bytes, zero count", Line(Bytes(bytes, 0u)), "<EMPTY>"},
-      {"bytes, null array", Line(Bytes(static_cast<const uint8_t*>(nullptr), 3u)), "<NULL>"},
       {"bytes, null array and zero count", Line(Bytes(static_cast<const uint8_t*>(nullptr), 0u)), "<NULL>"},
       {"negative count", Line(List<Dec>(signedValues, -2)), "<EMPTY>"},
-      {"quoted texts", Line(List<Quoted>(names, 2u)), "{'a', 'b'}"},
       {"quoted texts through char**", Line(List<Quoted>(mutableNames, 2u)), "{'x', <NULL>}"},
       {"fixed-size buffers keep to their size", Line(List<Quoted>(buffers, 2u)), "{'abcd', 'e'}"},
       {"enumeration names", Line(List<Enum<NodeTypeName>>(nodeTypes, 2u)), "{TargetDomain, <UNKNOWN>}"},
@@ -272,38 +164,18 @@ TEST(RenderTest, ListsAndBytes) {
   });
 }
 
-TEST(RenderTest, ListReadsItsCountWhenRendered) {
-  const uint8_t bytes[] = {7, 8, 9};
-  uint32_t count = 0;
-  const auto list = Bytes(bytes, &count);
-  EXPECT_EQ(Line(list), "<EMPTY>");
-  count = 2;
-  EXPECT_EQ(Line(list), "{0x07, 0x08}");
-}
-
 TEST(RenderTest, OutArguments) {
-  uint32_t count = 3;
   uint64_t handle = 0xabc;
   int32_t signedValue = -4;
   const char* text = "abc";
   VXT_RunStatus status = VXT_RunStatus_Halted;
   ExpectAll({
-      {"dec", Line(Out<Dec>(&count)), "3"},
       {"null dec", Line(Out<Dec>(static_cast<const uint32_t*>(nullptr))), "<NULL>"},
       {"hex16", Line(Out<Hex16>(&handle)), "0x0000000000000abc"},
-      {"null hex16", Line(Out<Hex16>(static_cast<uint64_t*>(nullptr))), "<NULL>"},
       {"signed dec", Line(Out<Dec>(&signedValue)), "-4"},
       {"quoted", Line(Out<Quoted>(&text)), "'abc'"},
       {"enumeration", Line(Out<Enum<RunStatusName>>(&status)), "Halted"},
-      {"null enumeration", Line(Out<Enum<RunStatusName>>(static_cast<VXT_RunStatus*>(nullptr))), "<NULL>"},
   });
-}
-
-TEST(RenderTest, OutArgumentReadsItsValueWhenRendered) {
-  uint32_t count = 1;
-  const auto out = Out<Dec>(&count);
-  count = 42;
-  EXPECT_EQ(Line(out), "42");
 }
 
 TEST(RenderTest, Records) {
@@ -312,7 +184,6 @@ TEST(RenderTest, Records) {
   const VXT_Address unknownType{VXT_ADDRESS_SIZE, 0, 0, 0, static_cast<VXT_AddressType>(8)};
   ExpectAll({
       {"bitdata", Line(BitDataText{&bitData}), "{bitSize = 12 dataHandle = 0x0000000000000005}"},
-      {"null bitdata", Line(BitDataText{nullptr}), "<NULL>"},
       {"address", Line(AddressText{&address}),
        "{ldtsel = 0x0010 segsel = 0xffff offset = 0x0000000000001000 addressType = TwoFieldLogical}"},
       {"address of an unknown type", Line(AddressText{&unknownType}),
@@ -324,7 +195,6 @@ TEST(RenderTest, Records) {
 TEST(TraceArgsTest, ArgumentLists) {
   const uint8_t assembled[] = {0x90};
   uint32_t numBytesAssembled = 1;
-  const char* nullText = nullptr;
   ExpectAll({
       {"no argument", Line("(", TraceArgs(), ")"), "()"},
       {"one argument", Line(TraceArgs("serviceId", Dec{7u})), "serviceId = 7"},
@@ -345,19 +215,19 @@ TEST(TraceArgsTest, ArgumentLists) {
        "ErrorCode = 0x00000000"},
       {"omitted password", Line(TraceArgs("user", Quoted{"me"}, "password", Omitted{})),
        "user = 'me' password = <OMITTED>"},
-      {"plain text, null", Line(TraceArgs("note", nullText)), "note = <NULL>"},
-      {"plain text", Line(TraceArgs("note", "fixed")), "note = fixed"},
   });
 }
 
 // The list keeps copies of its helpers, so it may outlive the expression
 // that built it, and renders what the pointers show when it is written.
 TEST(TraceArgsTest, ArgumentsAreRenderedWhenTheLineIsWritten) {
+  const uint8_t bytes[] = {7, 8, 9};
   uint32_t count = 0;
   std::string key = "first";
-  const auto args = TraceArgs("key", Quoted{key.c_str()}, "count", Out<Dec>(&count));
-  count = 9;
-  EXPECT_EQ(Line(args), "key = 'first' count = 9");
+  const auto args = TraceArgs("key", Quoted{key.c_str()}, "count", Out<Dec>(&count), "bytes", Bytes(bytes, &count));
+  EXPECT_EQ(Line(args), "key = 'first' count = 0 bytes = <EMPTY>");
+  count = 2;
+  EXPECT_EQ(Line(args), "key = 'first' count = 2 bytes = {0x07, 0x08}");
 }
 
 }  // namespace
