@@ -36,13 +36,6 @@ TEST(BitDataObjects, CreateFromUInt64KeepsTheLowBitsOfTheValue) {
   }
 }
 
-TEST(BitDataObjects, CreateFromUInt64LeavesBitsAbove64Zero) {
-  Vector object(BitData_CreateManagedFromUInt64(200, 0xFFFFFFFFFFFFFFFF));
-  Bits expected(200, false);
-  for (int i = 0; i < 64; ++i) expected[i] = true;
-  EXPECT_EQ(ToBits(object.get()), expected);
-}
-
 TEST(BitDataObjects, CreateFromBufferReadsBitZeroFromTheLowBitOfByteZero) {
   const uint8_t bytes[] = {0x01, 0x80, 0xFF};
   // 20 bits: the top four bits of the last byte lie outside and are dropped.
@@ -50,17 +43,6 @@ TEST(BitDataObjects, CreateFromBufferReadsBitZeroFromTheLowBitOfByteZero) {
   EXPECT_EQ(object->bitSize, 20u);
   EXPECT_EQ(BitData_GetUInt32(object.get(), 0), 0x0F8001u);
   EXPECT_TRUE(TailIsClear(object.get()));
-}
-
-TEST(BitDataObjects, CreateFromBufferRoundTripsRandomBits) {
-  std::mt19937_64 random(11);
-  for (uint64_t size : PropertySizes(random)) {
-    SCOPED_TRACE(size);
-    const Bits bits = RandomBits(random, size);
-    Vector object = FromBits(bits);
-    EXPECT_EQ(ToBits(object.get()), bits);
-    EXPECT_TRUE(TailIsClear(object.get()));
-  }
 }
 
 TEST(BitDataObjects, CreateFromBufferRefusesANullBufferUnlessEmpty) {
@@ -114,25 +96,6 @@ TEST(BitDataObjects, ResizeKeepsBitsAndAddsZeros) {
       }
     }
   }
-}
-
-TEST(BitDataObjects, ShrinkThenGrowBringsBackZeros) {
-  Vector object(BitData_CreateManagedFromUInt64(64, 0xFFFFFFFFFFFFFFFF));
-  ASSERT_EQ(BitData_Resize(object.get(), 3), 0u);
-  ASSERT_EQ(BitData_Resize(object.get(), 64), 0u);
-  EXPECT_EQ(BitData_GetUInt64(object.get(), 0), 0x7u);
-}
-
-TEST(BitDataObjects, GrowingStepByStepKeepsEveryBit) {
-  Vector object(BitData_CreateManaged(0));
-  Bits model;
-  for (int step = 0; step < 400; ++step) {
-    ASSERT_EQ(BitData_Resize(object.get(), object->bitSize + 7), 0u);
-    model.resize(model.size() + 7, false);
-    BitData_SetBit(object.get(), object->bitSize - 1, true);
-    model.back() = true;
-  }
-  EXPECT_EQ(ToBits(object.get()), model);
 }
 
 }  // namespace

@@ -54,33 +54,6 @@ TEST(BitDataQueries, SearchesCountsAndParityMatchTheModel) {
   }
 }
 
-TEST(BitDataQueries, FindLooksOnlyInsideTheField) {
-  // Bits 10 and 200 are set; fields that stop short of them find nothing.
-  Vector object(BitData_CreateManaged(256));
-  BitData_SetBit(object.get(), 10, true);
-  BitData_SetBit(object.get(), 200, true);
-  struct Case {
-    uint64_t offset;
-    uint64_t size;
-    uint64_t first;
-    uint64_t last;
-  };
-  const Case cases[] = {
-      {0, 256, 10, 200},        {0, 10, BITDATA_NOT_FOUND, BITDATA_NOT_FOUND},
-      {11, 189, BITDATA_NOT_FOUND, BITDATA_NOT_FOUND}, {10, 1, 10, 10},
-      {11, 190, 200, 200},      {0, 0, BITDATA_NOT_FOUND, BITDATA_NOT_FOUND},
-      {256, 0, BITDATA_NOT_FOUND, BITDATA_NOT_FOUND},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(::testing::Message() << c.offset << " x " << c.size);
-    uint64_t index = 0;
-    ASSERT_EQ(BitData_FindFirst(object.get(), c.offset, c.size, &index), 0u);
-    EXPECT_EQ(index, c.first);
-    ASSERT_EQ(BitData_FindLast(object.get(), c.offset, c.size, &index), 0u);
-    EXPECT_EQ(index, c.last);
-  }
-}
-
 TEST(BitDataQueries, ReadOnlyQueriesRefuseBadArguments) {
   Vector object(BitData_CreateManagedFromUInt64(16, 0x00F0));
   uint64_t index = 7;
@@ -175,27 +148,6 @@ TEST(BitDataQueries, CompareOrdersFieldsAsUnsignedNumbers) {
       ASSERT_EQ(BitData_Compare(leftObject.get(), leftOffset, rightObject.get(), rightOffset, size, &order), 0u);
       EXPECT_EQ(order, ModelCompare(left, leftOffset, right, rightOffset, size));
     }
-  }
-}
-
-TEST(BitDataQueries, CompareTable) {
-  struct Case {
-    uint64_t size;
-    uint64_t left;
-    uint64_t right;
-    int32_t order;
-  };
-  const Case cases[] = {
-      {0, 1, 0, 0},  {8, 0x80, 0x7F, 1}, {8, 0x01, 0x02, -1},
-      {4, 0xF3, 0x03, 0},  // bits above the compared length do not count
-      {64, 0x8000000000000000, 0x7FFFFFFFFFFFFFFF, 1},
-  };
-  for (const Case& c : cases) {
-    Vector left(BitData_CreateManagedFromUInt64(64, c.left));
-    Vector right(BitData_CreateManagedFromUInt64(64, c.right));
-    int32_t order = 7;
-    ASSERT_EQ(BitData_Compare(left.get(), 0, right.get(), 0, c.size, &order), 0u);
-    EXPECT_EQ(order, c.order) << c.left << " vs " << c.right;
   }
 }
 

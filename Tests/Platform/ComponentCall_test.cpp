@@ -61,19 +61,6 @@ TEST_F(ComponentCallTest, RecordsOperationsWithTheirArgumentsInCallOrder) {
   EXPECT_EQ(tc::RecordedOperations(), (Strings{"Voxtrel_GetCommon"}));
 }
 
-TEST_F(ComponentCallTest, NothingIsRecordedBeforeAStartOrAfterAReset) {
-  uint32_t count = 0;
-  common_.GetNumConnectedClients(&count);
-  EXPECT_TRUE(tc::RecordedCalls().empty());
-
-  tc::StartRecordingCalls();
-  common_.GetNumConnectedClients(&count);
-  tc::ResetTestControl();
-  common_.GetNumConnectedClients(&count);
-  EXPECT_TRUE(tc::RecordedCalls().empty());
-  EXPECT_EQ(tc::CallCount(kCounted), 0u);
-}
-
 // What a steered call returned and what it posted into the caller's context.
 struct Outcome {
   uint32_t returned = 0;
@@ -142,42 +129,6 @@ TEST_F(ComponentCallTest, ThrowingBehaviourPostsThenThrowsItsCode) {
   EXPECT_EQ(Voxtrel_ErrorGetErrorCode(context), 0x20003u);
   Voxtrel_ErrorExitContex(context);
   EXPECT_EQ(count, kUntouched);
-}
-
-TEST_F(ComponentCallTest, LimitedBehaviourIsUsedUpAndAReplacementStartsAfresh) {
-  tc::SetBehaviour(kCounted, {0x20002, "", 0, false, 2});
-  uint32_t count = 0;
-  EXPECT_EQ(common_.GetNumConnectedClients(&count), 0x20002u);
-  EXPECT_EQ(common_.GetNumConnectedClients(&count), 0x20002u);
-  EXPECT_EQ(common_.GetNumConnectedClients(&count), 0u);
-
-  tc::SetBehaviour(kCounted, {0x20002, "", 0, false, 1});
-  tc::SetBehaviour(kCounted, {0x20004, "", 0, false, 1});  // Replaces, not adds
-  EXPECT_EQ(common_.GetNumConnectedClients(&count), 0x20004u);
-  EXPECT_EQ(common_.GetNumConnectedClients(&count), 0u);
-}
-
-TEST_F(ComponentCallTest, GettersAndLibraryFunctionsAreSteeredByTheirNames) {
-  tc::FailWith("Voxtrel_GetCommon", 0x20002);
-  tc::FailWith("Voxtrel_PublishMessageEvent", 0x20004);
-  const CommonComponent* table = nullptr;
-  EXPECT_EQ(Voxtrel_GetCommon(&table), 0x20002u);
-  EXPECT_EQ(table, nullptr);
-  EXPECT_EQ(Voxtrel_PublishMessageEvent(1, "text"), 0x20004u);
-  // Steering one operation leaves the others alone.
-  uint32_t count = kUntouched;
-  EXPECT_EQ(common_.GetNumConnectedClients(&count), 0u);
-  EXPECT_NE(count, kUntouched);
-}
-
-TEST_F(ComponentCallTest, ResetClearsEveryBehaviour) {
-  tc::FailWith(kCounted, 0x20002);
-  tc::FailWith("Common.GetProcessGuid", 0x20002);
-  tc::ResetTestControl();
-  uint32_t count = 0;
-  uint8_t guid[16] = {};
-  EXPECT_EQ(common_.GetNumConnectedClients(&count), 0u);
-  EXPECT_EQ(common_.GetProcessGuid(guid), 0u);
 }
 
 // Threads race for a limited behaviour: exactly its number of calls are

@@ -217,18 +217,6 @@ TEST_F(EventBrokerTest, StoppedBrokerDeliversNothingAndKeepsItsSubscriptions) {
   EXPECT_EQ(Publish("e"), (Names{"a", "b"}));
 }
 
-TEST_F(EventBrokerTest, TestControlPublishesThroughTheTable) {
-  ASSERT_EQ(Subscribe(a_), 0u);
-  tc::StartRecordingCalls();
-  const char data[] = "payload";
-  EXPECT_EQ(tc::PublishBrokerEvent(kType, "Named", data), 0u);
-  EXPECT_EQ(log_, (std::vector<Delivery>{{"a", "Named", data}}));
-  EXPECT_EQ(tc::CallCount("EventBroker.Publish"), 1u);
-  tc::FailWith("EventBroker.Publish", 0x20004);
-  EXPECT_EQ(tc::PublishBrokerEvent(kType, "Named", data), 0x20004u);
-  EXPECT_EQ(log_.size(), 1u);
-}
-
 // The message event's data is its kind; its name is the text.
 TEST_F(EventBrokerTest, MessageEventCarriesTheTextAsNameAndTheKindAsData) {
   struct Heard {

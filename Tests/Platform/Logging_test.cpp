@@ -177,24 +177,6 @@ TEST_F(LoggingTest, AnUnknownPresetChangesNothing) {
   }
 }
 
-TEST_F(LoggingTest, PresetNamesAreListedIntoTheGivenBuffers) {
-  uint32_t count = 0;
-  ASSERT_EQ(Voxtrel_LoggingGetLoggingPresetNamesCount(&count), 0u);
-  ASSERT_EQ(count, 5u);
-  std::vector<std::vector<char>> buffers(count + 1, std::vector<char>(VOXTREL_LOGGING_PRESET_NAME_SIZE, 'x'));
-  std::vector<char*> names;
-  for (auto& buffer : buffers) names.push_back(buffer.data());
-
-  ASSERT_EQ(Voxtrel_LoggingGetLoggingPresetNames(names.data(), 2), 0u);
-  EXPECT_STREQ(names[0], "Default");
-  EXPECT_STREQ(names[1], "Trace");
-  EXPECT_EQ(buffers[2][0], 'x');  // Only the first two were asked for
-
-  ASSERT_EQ(Voxtrel_LoggingGetLoggingPresetNames(names.data(), count), 0u);
-  const std::vector<std::string> listed(names.begin(), names.begin() + count);
-  EXPECT_EQ(listed, (std::vector<std::string>{"Default", "Trace", "InterfaceTrace", "Errors", "Off"}));
-}
-
 TEST_F(LoggingTest, NullBuffersAreRefusedAndNothingIsWritten) {
   constexpr uint32_t kInvalidArgument = 0x20000;
   EXPECT_EQ(Voxtrel_LoggingGetLoggingPresetNamesCount(nullptr), kInvalidArgument);
@@ -257,19 +239,6 @@ TEST_F(LoggingTest, UsageLinesAreKeptOnlyWhileUsageLoggingIsOn) {
   Voxtrel_LoggingLogUsage(nullptr, nullptr, nullptr);
   EXPECT_EQ(tc::CapturedUsage(), (std::vector<tc::UsageLine>{{"VxtInterface", "Start", "ClientID: 5"}, {"", "", ""}}));
   EXPECT_TRUE(tc::CapturedTrace().empty());
-}
-
-TEST_F(LoggingTest, UsageLoggingCanBeTurnedOnByTheEnvironment) {
-  LoggingEnvironment environment;
-  environment.Set("VXT_LOG_USAGE", "1");
-  environment.Apply();
-  EXPECT_TRUE(Voxtrel_LoggingIsLoggingUsage());
-}
-
-TEST_F(LoggingTest, WithoutALogFileTheFileOperationsSucceed) {
-  EXPECT_EQ(Common().FlushLogs(), 0u);
-  EXPECT_EQ(Common().ClearLogs(), 0u);
-  EXPECT_EQ(Common().ArchiveLogs(), 0u);
 }
 
 TEST_F(LogFileTest, RawFormatWritesTheTextsAlone) {

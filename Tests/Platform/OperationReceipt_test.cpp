@@ -426,19 +426,6 @@ TEST(OperationReceipt, FlushWaitsUntilTheOperationHasEnded) {
   }
 }
 
-TEST(OperationReceipt, FlushOfAReceiptDestroyedMeanwhileGivesUnknownToken) {
-  const uint64_t token = tc::StartHeldReceipt();
-  Answer answer;
-  std::thread flusher([&] { answer = Ask([&] { return Receipts().Flush(token); }); });
-  EXPECT_EQ(Receipts().Destroy(token), 0u);
-  flusher.join();
-  EXPECT_EQ(answer.code, 0x2000eu);
-  // Depending on whether the flush began before the destruction.
-  EXPECT_TRUE(answer.message == "Operation token " + TokenText(token) + " was destroyed during the flush" ||
-              answer.message == "Unknown operation token " + TokenText(token))
-      << answer.message;
-}
-
 TEST(OperationReceipt, ACanceledPendingOperationNeverRuns) {
   tc::HoldReceiptWorkers(true);
   std::atomic<bool> ran = false;

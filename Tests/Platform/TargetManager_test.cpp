@@ -6,18 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "Authorization.h"
-#include "Configuration.h"
-#include "DeviceControl.h"
-#include "Dma.h"
 #include "EventBroker.h"
-#include "I2c.h"
-#include "InterfacePins.h"
 #include "InterfacePort.h"
-#include "Jtag.h"
-#include "OperationReceipt.h"
-#include "PlatformControl.h"
-#include "Precondition.h"
 #include "RunControl.h"
 #include "StatePort.h"
 #include "TargetManager.h"
@@ -44,51 +34,6 @@ class TargetManagerTest : public ::testing::Test {
   const TargetManagerComponent& manager_ = Get(&Voxtrel_GetTargetManager);
   TargetModel& model_ = TargetModel::Instance();
 };
-
-// A getter, called with or without a place for its table.
-struct GetterCase {
-  const char* name;
-  std::function<uint32_t(bool withPointer, const void*& table)> get;
-};
-
-template <class Table>
-GetterCase MakeGetterCase(const char* name, uint32_t (*getter)(const Table**)) {
-  return {name, [getter](bool withPointer, const void*& table) {
-            const Table* typed = nullptr;
-            const uint32_t code = getter(withPointer ? &typed : nullptr);
-            table = typed;
-            return code;
-          }};
-}
-
-// Answers from library load on: the tables are constants.
-TEST_F(TargetManagerTest, EveryGetterGivesATableAndRefusesANullPointer) {
-  const GetterCase cases[] = {
-      MakeGetterCase("PlatformControl", &Voxtrel_GetPlatformControl),
-      MakeGetterCase("InterfacePins", &Voxtrel_GetInterfacePins),
-      MakeGetterCase("Precondition", &Voxtrel_GetPrecondition),
-      MakeGetterCase("Dma", &Voxtrel_GetDma),
-      MakeGetterCase("Authorization", &Voxtrel_GetAuthorization),
-      MakeGetterCase("DeviceControl", &Voxtrel_GetDeviceControl),
-      MakeGetterCase("Jtag", &Voxtrel_GetJtag),
-      MakeGetterCase("I2c", &Voxtrel_GetI2c),
-      MakeGetterCase("OperationReceipt", &Voxtrel_GetOperationReceipt),
-      MakeGetterCase("Configuration", &Voxtrel_GetConfiguration),
-      MakeGetterCase("TargetManager", &Voxtrel_GetTargetManager),
-      MakeGetterCase("RunControl", &Voxtrel_GetRunControl),
-      MakeGetterCase("StatePort", &Voxtrel_GetStatePort),
-      MakeGetterCase("InterfacePort", &Voxtrel_GetInterfacePort),
-  };
-  for (const GetterCase& getterCase : cases) {
-    const void* table = nullptr;
-    EXPECT_EQ(getterCase.get(true, table), 0u) << getterCase.name;
-    EXPECT_NE(table, nullptr) << getterCase.name;
-    const void* again = nullptr;
-    getterCase.get(true, again);
-    EXPECT_EQ(again, table) << getterCase.name;
-    EXPECT_EQ(getterCase.get(false, table), kNullArgument) << getterCase.name;
-  }
-}
 
 // What a "DeviceTopology" subscriber saw.
 struct TopologyEvents {

@@ -87,18 +87,6 @@ TEST_F(TelemetryTest, TheRecordOfCallsKeepsTheLatestTenThousand) {
   EXPECT_EQ(calls.back().args[3], "10004");
 }
 
-TEST_F(TelemetryTest, ResetForgetsFieldsCountersCallsAndEvents) {
-  Telemetry_BuildDataSet("E", "k", "v", 0);
-  Telemetry_CountEvent("S", "E", "K", "V");
-  Telemetry_SendEvent("S", "Other");
-  tc::ResetTestControl();
-  EXPECT_TRUE(tc::TelemetryCalls().empty());
-  EXPECT_TRUE(tc::SentTelemetryEvents().empty());
-  EXPECT_EQ(tc::TelemetryCounter("S", "E", "K", "V"), 0u);
-  Telemetry_SendEvent("S", "E");
-  EXPECT_EQ(tc::SentTelemetryEvents(), (std::vector<tc::TelemetryEvent>{{"S", "E", {}}}));
-}
-
 TEST_F(TelemetryTest, ThreadsBuildingTheirOwnEventsKeepTheirFields) {
   constexpr int kThreads = 4;
   constexpr int kEvents = 200;
