@@ -377,14 +377,6 @@ TEST_F(ConnectionTest, ASecondCycleWorksAsTheFirst) {
   }
 }
 
-TEST_F(ConnectionTest, NewClientConnectionLineNamesTheClient) {
-  VXT_Client client = MakeClient(12, "tool_9@box");
-  ASSERT_EQ(StartNewInstance(&client, 1, 0, nullptr), 0);
-  const Strings trace = Trace();
-  ASSERT_FALSE(trace.empty());
-  EXPECT_EQ(trace.front(), "New client connection. ClientID: 12, ClientIdentifier: 'tool_9@box'");
-}
-
 // A component that throws fails the step it was called for, as a failing
 // code would; nothing it throws leaves the library, no subscription that the
 // broker keeps calls into freed memory, and the next cycle starts from a

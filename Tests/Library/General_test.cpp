@@ -69,8 +69,6 @@ TEST_F(GeneralTest, NullPointersAreRefusedWithTheirOwnWording) {
          return g.GetConnectedClients(1, &n, nullptr);
        },
        "InProc_General::GetConnectedClients(): argument error (connectedClients) : NULL pointer"},
-      {[](auto& g) { return g.AllocateSharedMemory(16, nullptr); },
-       "InProc_General::AllocateSharedMemory() argument error (handle) : Null pointer"},
   };
   for (const Case& refused : cases) {
     EXPECT_EQ(refused.call(*general), kInvalidArgument) << refused.message;
@@ -186,12 +184,6 @@ TEST_F(GeneralTest, ConnectedClientsFillRecordsOfEitherSize) {
   EXPECT_EQ(bad[0].clientId, 3u);  // Records before the bad one stay filled
 
   ASSERT_EQ(Disconnect(9), 0);
-}
-
-TEST_F(GeneralTest, LogOperationFailsWithTheComponentsCode) {
-  tc::FailWith("Common.FlushLogs", 0x20002);
-  EXPECT_EQ(general->FlushLogs(), static_cast<VXT_Result>(0x80000003));
-  EXPECT_STREQ(GetLastErrorMessage(), Voxtrel_ErrorGetDefaultMessage(0x20002));
 }
 
 // The In and Out lines of each operation that succeeds, and the calls it

@@ -77,24 +77,6 @@ TEST_F(InitializationTest, NullPointersNeverReachTheComponent) {
   EXPECT_EQ(SentEvents("Client_Info"), 0u);
 }
 
-TEST_F(InitializationTest, ForwardersTraceTheirArgumentsAndPassThemOn) {
-  const char* const none[] = {nullptr};
-  tc::StartRecordingCalls();
-  EXPECT_EQ(SetConfigurationParameters(0, none, none), 0);
-  uint32_t count = 0;
-  EXPECT_EQ(GetAvailableConfigurationCount(&count), 0);
-  EXPECT_GE(count, 1u);
-  EXPECT_EQ(Trace(), (Strings{
-                         "In  InProc_Vxt::SetConfigurationParameters(parameterCount = 0 parameterNames = <EMPTY> "
-                         "parameterValues = <EMPTY>) [ClientID: 0]",
-                         "Out InProc_Vxt::SetConfigurationParameters() ErrorCode = 0x00000000 [ClientID: 0]",
-                         "In  InProc_Vxt::GetAvailableConfigurationCount() [ClientID: 0]",
-                         "Out InProc_Vxt::GetAvailableConfigurationCount(configurationCount = " +
-                             std::to_string(count) + ") ErrorCode = 0x00000000 [ClientID: 0]",
-                     }));
-  EXPECT_EQ(tc::CallCount("Configuration.SetConfigurationParameters"), 1u);
-}
-
 // Every configuration call with its whole trace: the In line, the Out line
 // and, when it refuses a null pointer, the two lines of the last error
 // between them. These calls write no error line.
@@ -113,16 +95,6 @@ TEST_F(InitializationTest, ConfigurationCallsTraceTheirArgumentsAndRefusals) {
        0,
        {"In  InProc_Vxt::SelectConfigurationByName(configurationName = 'Default') [ClientID: 0]",
         "Out InProc_Vxt::SelectConfigurationByName() ErrorCode = 0x00000000 [ClientID: 0]"}},
-      {[] { return SelectConfigurationByName(nullptr); },
-       kInvalidArgument,
-       {"In  InProc_Vxt::SelectConfigurationByName(configurationName = <NULL>) [ClientID: 0]",
-        refused + "VXT_SelectConfigurationByName was passed a null pointer')", "Out InProc ReportErrorMessage()",
-        "Out InProc_Vxt::SelectConfigurationByName() ErrorCode = 0x80000001 [ClientID: 0]"}},
-      {[] { return SelectConfigurationByFileName(nullptr); },
-       kInvalidArgument,
-       {"In  InProc_Vxt::SelectConfigurationByFileName(fileName = <NULL>) [ClientID: 0]",
-        refused + "VXT_SelectConfigurationByFileName was passed a null pointer')", "Out InProc ReportErrorMessage()",
-        "Out InProc_Vxt::SelectConfigurationByFileName() ErrorCode = 0x80000001 [ClientID: 0]"}},
       {[] {
          tc::FailWith("Configuration.SelectConfigurationByFileName", 0x20002);
          return SelectConfigurationByFileName("board.json");
@@ -146,12 +118,6 @@ TEST_F(InitializationTest, ConfigurationCallsTraceTheirArgumentsAndRefusals) {
        {"In  InProc_Vxt::SetConfigurationParameters(parameterCount = 2 parameterNames = {'stepping', 'probeSerial'} "
         "parameterValues = {'B0', 'it's'}) [ClientID: 0]",
         "Out InProc_Vxt::SetConfigurationParameters() ErrorCode = 0x00000000 [ClientID: 0]"}},
-      {[&] { return SetConfigurationParameters(2, names, nullptr); },
-       kInvalidArgument,
-       {"In  InProc_Vxt::SetConfigurationParameters(parameterCount = 2 parameterNames = {'stepping', 'probeSerial'} "
-        "parameterValues = <NULL>) [ClientID: 0]",
-        refused + "VXT_SetConfigurationParameters was passed a null pointer')", "Out InProc ReportErrorMessage()",
-        "Out InProc_Vxt::SetConfigurationParameters() ErrorCode = 0x80000001 [ClientID: 0]"}},
       {[] { return SetClientInfo("tool", "vxt"); },
        0,
        {"In  InProc_Vxt::SetClientInfo(key = 'tool' value = 'vxt') [ClientID: 0]",

@@ -82,7 +82,6 @@ TEST_F(SharedMemoryTest, IdentifiersAreSixtyThreeLettersAndDigitsAndOwnerOnly) {
 // Out line. An identifier buffer that a failed call leaves unterminated is
 // shown within its 64 characters.
 TEST_F(SharedMemoryTest, RefusalsGiveTheirMessagesAndTraceLines) {
-  void* address = nullptr;
   const auto identifier = std::make_unique<char[]>(VXT_SHARED_MEMORY_IDENTIFIER_SIZE);
   std::fill_n(identifier.get(), VXT_SHARED_MEMORY_IDENTIFIER_SIZE, 'x');
   const std::string shown = "'" + std::string(VXT_SHARED_MEMORY_IDENTIFIER_SIZE, 'x') + "'";
@@ -98,23 +97,6 @@ TEST_F(SharedMemoryTest, RefusalsGiveTheirMessagesAndTraceLines) {
        "In  InProc_General::GetSharedMemoryAddress(handle = 0x0000000000000000) [ClientID: 3]",
        "InProc_General::GetSharedMemoryAddress() argument error (address) : Null pointer",
        "Out InProc_General::GetSharedMemoryAddress(address = <NULL>) ErrorCode = 0x80000001 [ClientID: 3]"},
-      {[&] { return general->GetSharedMemoryAddress(0, &address); }, kInvalidHandle,
-       "In  InProc_General::GetSharedMemoryAddress(handle = 0x0000000000000000) [ClientID: 3]",
-       "InProc_General::GetSharedMemoryAddress() argument error (handle) : Invalid handle",
-       "Out InProc_General::GetSharedMemoryAddress(address = 0x0000000000000000) ErrorCode = 0x80000011 [ClientID: 3]"},
-      {[&] { return general->GetSharedMemoryAddress(7, &address); }, kInvalidHandle,
-       "In  InProc_General::GetSharedMemoryAddress(handle = 0x0000000000000007) [ClientID: 3]",
-       "InProc_General::GetSharedMemoryAddress() Unknown shared memory region handle: 0x0000000000000007",
-       "Out InProc_General::GetSharedMemoryAddress(address = 0x0000000000000000) ErrorCode = 0x80000011 [ClientID: 3]"},
-      {[&] { return general->GetSharedMemoryIdentifier(0, nullptr); }, kInvalidArgument,
-       "In  InProc_General::GetSharedMemoryIdentifier(handle = 0x0000000000000000) [ClientID: 3]",
-       "InProc_General::GetSharedMemoryIdentifier() argument error (identifier) : Null pointer",
-       "Out InProc_General::GetSharedMemoryIdentifier(identifier = <NULL>) ErrorCode = 0x80000001 [ClientID: 3]"},
-      {[&] { return general->GetSharedMemoryIdentifier(0, identifier.get()); }, kInvalidHandle,
-       "In  InProc_General::GetSharedMemoryIdentifier(handle = 0x0000000000000000) [ClientID: 3]",
-       "InProc_General::GetSharedMemoryIdentifier() argument error (handle) : Invalid handle",
-       "Out InProc_General::GetSharedMemoryIdentifier(identifier = " + shown +
-           ") ErrorCode = 0x80000011 [ClientID: 3]"},
       {[&] { return general->GetSharedMemoryIdentifier(7, identifier.get()); }, kInvalidHandle,
        "In  InProc_General::GetSharedMemoryIdentifier(handle = 0x0000000000000007) [ClientID: 3]",
        "InProc_General::GetSharedMemoryIdentifier() Unknown shared memory region handle: 0x0000000000000007",
