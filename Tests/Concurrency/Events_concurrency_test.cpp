@@ -63,8 +63,6 @@ class EventsConcurrencyTest : public ::testing::Test {
   VXT_Client client_ = MakeClient(1, "events_1@here");
 };
 
-// ---- No lock while a subscriber runs -----------------------------------------
-
 struct Rendezvous {
   std::promise<void> entered;
   std::promise<void> released;
@@ -120,8 +118,6 @@ TEST_F(EventsConcurrencyTest, NoLockIsHeldWhileASubscriberRuns) {
   EXPECT_EQ(rendezvous.calls.load(), 1);
 }
 
-// ---- Order and userData on every delivering thread ---------------------------
-
 constexpr int kOrdered = 5;
 std::array<int, kOrdered> userDataSlots{};
 
@@ -159,45 +155,39 @@ TEST_F(EventsConcurrencyTest, EveryThreadSeesTheSubscribersInOrderWithTheirOwnUs
   EXPECT_EQ(misordered.load(), 0);
 }
 
-// ---- Deliveries while other threads subscribe and unsubscribe -----------------
-
-// The stable subscribers, and the order they are seen in on each thread.
-std::atomic<int> firstCalls{0};
-std::atomic<int> lastCalls{0};
-thread_local int lastSeen = 1;  // 0: First, 1: Last
+// Roles 0 and 1 are the stable first and last subscribers of every list,
+// checked for order on each thread; the others are subscribed and
+// unsubscribed over and over.
+std::atomic<int> calls[4]{};  // By role
 std::atomic<int> outOfOrder{0};
+thread_local int lastSeen = 1;
 
-template <class Record>
-void First(const Record*, void*) {
-  if (lastSeen != 1) ++outOfOrder;
-  lastSeen = 0;
-  ++firstCalls;
-}
-template <class Record>
-void Last(const Record*, void*) {
-  if (lastSeen != 0) ++outOfOrder;
-  lastSeen = 1;
-  ++lastCalls;
+template <int Role, class Record>
+void Subscriber(const Record*, void*) {
+  if constexpr (Role < 2) {
+    if (lastSeen != 1 - Role) ++outOfOrder;
+    lastSeen = Role;
+  }
+  ++calls[Role];
 }
 
-// Subscribed and unsubscribed over and over; counted only to be read.
-std::atomic<int> churnCalls{0};
-template <int N, class Record>
-void Churning(const Record*, void*) {
-  ++churnCalls;
+// Subscribes (or unsubscribes) the role on the four lists; the failures.
+template <int Role>
+int ChangeEveryList(IInternalService_Event& events, bool subscribe) {
+  if (subscribe)
+    return (events.SubscribeTargetEvents(&Subscriber<Role, VXT_TargetEvent>, nullptr) != 0) +
+           (events.SubscribeMessageEvents(&Subscriber<Role, VXT_MessageEvent>, nullptr) != 0) +
+           (events.SubscribeStatePortEvents(&Subscriber<Role, VXT_StatePortEvent>, nullptr) != 0) +
+           (events.SubscribeInterfacePortErrorEvents(&Subscriber<Role, VXT_InterfacePortErrorEvent>, nullptr) != 0);
+  return (events.UnsubscribeTargetEvents(&Subscriber<Role, VXT_TargetEvent>) != 0) +
+         (events.UnsubscribeMessageEvents(&Subscriber<Role, VXT_MessageEvent>) != 0) +
+         (events.UnsubscribeStatePortEvents(&Subscriber<Role, VXT_StatePortEvent>) != 0) +
+         (events.UnsubscribeInterfacePortErrorEvents(&Subscriber<Role, VXT_InterfacePortErrorEvent>) != 0);
 }
 
-template <int N>
+template <int Role>
 void Churn(IInternalService_Event& events, std::atomic<int>& failures) {
-  const auto fail = [&failures](VXT_Result result) { failures += result != 0; };
-  fail(events.SubscribeTargetEvents(&Churning<N, VXT_TargetEvent>, nullptr));
-  fail(events.SubscribeMessageEvents(&Churning<N, VXT_MessageEvent>, nullptr));
-  fail(events.SubscribeStatePortEvents(&Churning<N, VXT_StatePortEvent>, nullptr));
-  fail(events.SubscribeInterfacePortErrorEvents(&Churning<N, VXT_InterfacePortErrorEvent>, nullptr));
-  fail(events.UnsubscribeTargetEvents(&Churning<N, VXT_TargetEvent>));
-  fail(events.UnsubscribeMessageEvents(&Churning<N, VXT_MessageEvent>));
-  fail(events.UnsubscribeStatePortEvents(&Churning<N, VXT_StatePortEvent>));
-  fail(events.UnsubscribeInterfacePortErrorEvents(&Churning<N, VXT_InterfacePortErrorEvent>));
+  failures += ChangeEveryList<Role>(events, true) + ChangeEveryList<Role>(events, false);
 }
 
 TEST_F(EventsConcurrencyTest, DeliveriesRunWhileOtherThreadsSubscribeAndUnsubscribe) {
@@ -205,23 +195,17 @@ TEST_F(EventsConcurrencyTest, DeliveriesRunWhileOtherThreadsSubscribeAndUnsubscr
   constexpr int kRounds = 400;
   constexpr int kListsPerRound = 4;
   IInternalService_Event& events = Events();
-  ASSERT_EQ(events.SubscribeTargetEvents(&First<VXT_TargetEvent>, nullptr), 0);
-  ASSERT_EQ(events.SubscribeMessageEvents(&First<VXT_MessageEvent>, nullptr), 0);
-  ASSERT_EQ(events.SubscribeStatePortEvents(&First<VXT_StatePortEvent>, nullptr), 0);
-  ASSERT_EQ(events.SubscribeInterfacePortErrorEvents(&First<VXT_InterfacePortErrorEvent>, nullptr), 0);
-  ASSERT_EQ(events.SubscribeTargetEvents(&Last<VXT_TargetEvent>, nullptr), 0);
-  ASSERT_EQ(events.SubscribeMessageEvents(&Last<VXT_MessageEvent>, nullptr), 0);
-  ASSERT_EQ(events.SubscribeStatePortEvents(&Last<VXT_StatePortEvent>, nullptr), 0);
-  ASSERT_EQ(events.SubscribeInterfacePortErrorEvents(&Last<VXT_InterfacePortErrorEvent>, nullptr), 0);
+  ASSERT_EQ(ChangeEveryList<0>(events, true), 0);
+  ASSERT_EQ(ChangeEveryList<1>(events, true), 0);
 
   std::atomic<bool> publishing{true};
   std::atomic<int> failures{0};
   std::vector<std::thread> churners;
   churners.emplace_back([&] {
-    while (publishing) Churn<0>(events, failures);
+    while (publishing) Churn<2>(events, failures);
   });
   churners.emplace_back([&] {
-    while (publishing) Churn<1>(events, failures);
+    while (publishing) Churn<3>(events, failures);
   });
 
   std::vector<std::thread> publishers;
@@ -241,12 +225,10 @@ TEST_F(EventsConcurrencyTest, DeliveriesRunWhileOtherThreadsSubscribeAndUnsubscr
 
   EXPECT_EQ(failures.load(), 0);
   // The stable subscribers heard every event, first before last.
-  EXPECT_EQ(firstCalls.load(), kPublishers * kRounds * kListsPerRound);
-  EXPECT_EQ(lastCalls.load(), kPublishers * kRounds * kListsPerRound);
+  EXPECT_EQ(calls[0].load(), kPublishers * kRounds * kListsPerRound);
+  EXPECT_EQ(calls[1].load(), kPublishers * kRounds * kListsPerRound);
   EXPECT_EQ(outOfOrder.load(), 0);
 }
-
-// ---- Subscriptions outlive clients coming and going on many threads ---------
 
 std::atomic<int> survivorCalls{0};
 void Survivor(const VXT_MessageEvent*, void*) { ++survivorCalls; }

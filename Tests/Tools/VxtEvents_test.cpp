@@ -88,7 +88,8 @@ class ListeningClient {
 
   bool ReadSome(std::chrono::steady_clock::time_point deadline) {
     if (ended_) return false;
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    const auto left =
+        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
     if (left.count() <= 0) return false;
     pollfd readable{output_, POLLIN, 0};
     if (poll(&readable, 1, static_cast<int>(left.count())) <= 0) return false;
@@ -131,11 +132,9 @@ TEST(VxtEvents, PrintsItsOwnClientAndStopsCleanlyOnASignal) {
 
     const std::string id = std::to_string(pid);
     const std::string name = "'vxt_" + id + "@" + HostName() + "'";
-    EXPECT_EQ(client.output(), "client " + id + " " + name + " connected\n" +
-                                   "Listening for events as client " + id + listening +
-                                   "Stopping on " + stop.name + ".\n" +
-                                   "client " + id + " " + name + " disconnected\n" +
-                                   "Disconnected after 2 events.\n");
+    EXPECT_EQ(client.output(), "client " + id + " " + name + " connected\n" + "Listening for events as client " + id +
+                                   listening + "Stopping on " + stop.name + ".\n" + "client " + id + " " + name +
+                                   " disconnected\n" + "Disconnected after 2 events.\n");
   }
 }
 
