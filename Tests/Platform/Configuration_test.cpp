@@ -172,17 +172,6 @@ TEST_F(ConfigurationTest, ABadSelectionSaysWhatIsWrongAndKeepsThePreviousOne) {
       {[&] { return configuration.SelectConfigurationByName("Empty"); },
        {kInvalidDescription, invalid + "Empty.json' is invalid at line 1, column 1: syntax error while parsing value "
                                        "- unexpected end of input; expected '[', '{', or a literal"}},
-      {[&] { return configuration.SelectConfigurationByName("MissingTargetDomains"); },
-       {kInvalidDescription, invalid + "MissingTargetDomains.json' is invalid at the top level: missing member "
-                                       "'targetDomains'"}},
-      {[&] { return configuration.SelectConfigurationByName("UnknownInstruction"); },
-       {kInvalidDescription, invalid + "UnknownInstruction.json' is invalid at "
-                                       "/targetDomains/0/packages/0/cores/0/debugAccess/instruction: TAP controller "
-                                       "'MainTap' has no instruction 'CORE_DEBUG' (it has: IDCODE, BYPASS)"}},
-      {[&] { return configuration.SelectConfigurationByName("DuplicateIdentifier"); },
-       {kInvalidDescription, invalid + "DuplicateIdentifier.json' is invalid at /targetDomains/0/packages/1: "
-                                       "duplicate identifier 'Socket' in its target domain (first used at "
-                                       "/targetDomains/0/packages/0)"}},
       {[&] { return configuration.SelectConfigurationByFileName((kDataDir + "/Nope.json").c_str()); },
        {kConfigurationNotFound, "Target description file '" + kDataDir + "/Nope.json' does not exist"}},
       {[&] { return configuration.SelectConfigurationByFileName(kDataDir.c_str()); },

@@ -107,8 +107,6 @@ TEST_F(EventBrokerTest, NullTypeOrHandlerIsRefusedAndChangesNothing) {
        "EventBroker.Subscribe was given a null typeName"},
       {"Subscribe handler", [&] { return broker_.Subscribe(kType, nullptr, nullptr, "t"); },
        "EventBroker.Subscribe was given a null handler"},
-      {"SubscribeWithMode type", [&] { return broker_.SubscribeWithMode(nullptr, &Ignore, 2, nullptr, "t"); },
-       "EventBroker.SubscribeWithMode was given a null typeName"},
       {"SubscribeWithMode handler", [&] { return broker_.SubscribeWithMode(kType, nullptr, 2, nullptr, "t"); },
        "EventBroker.SubscribeWithMode was given a null handler"},
       {"Unsubscribe type", [&] { return broker_.Unsubscribe(nullptr, &Ignore, nullptr); },
@@ -168,29 +166,37 @@ TEST_F(EventBrokerTest, UnsubscribeRemovesOneMatchingSubscriptionAndKeepsTheOrde
   EXPECT_EQ(tc::BrokerSubscriberCount(kType), 2u);
 }
 
-TEST_F(EventBrokerTest, HandlerUnsubscribingItselfLetsThisDeliveryFinish) {
-  a_.onEvent = [&] { EXPECT_EQ(Unsubscribe(a_), 0u); };
-  for (Subscriber* subscriber : {&a_, &b_, &c_}) ASSERT_EQ(Subscribe(*subscriber), 0u);
-  EXPECT_EQ(Publish("e"), (Names{"a", "b", "c"}));
-  EXPECT_EQ(Publish("e"), (Names{"b", "c"}));
-}
-
-TEST_F(EventBrokerTest, HandlerRemovingALaterOneStillLetsItHearThisEvent) {
-  a_.onEvent = [&] { Unsubscribe(c_); };
-  for (Subscriber* subscriber : {&a_, &b_, &c_}) ASSERT_EQ(Subscribe(*subscriber), 0u);
-  EXPECT_EQ(Publish("e"), (Names{"a", "b", "c"}));
-  EXPECT_EQ(Publish("e"), (Names{"a", "b"}));
-}
-
-TEST_F(EventBrokerTest, HandlerSubscribingAnotherReachesItFromTheNextEvent) {
-  a_.onEvent = [&] {
-    if (tc::BrokerSubscriberCount(kType) == 1) {
-      EXPECT_EQ(Subscribe(b_), 0u);
-    }
+// A change that a handler makes to the list takes effect from the next event:
+// the delivery under way goes on over the list as it was.
+TEST_F(EventBrokerTest, HandlersChangingTheListAffectOnlyLaterEvents) {
+  struct Case {
+    const char* name;
+    std::function<void()> onA;
+    std::vector<Subscriber*> subscribed;
+    Names first, second;
   };
-  ASSERT_EQ(Subscribe(a_), 0u);
-  EXPECT_EQ(Publish("e"), (Names{"a"}));
-  EXPECT_EQ(Publish("e"), (Names{"a", "b"}));
+  const Case cases[] = {
+      {"a unsubscribes itself", [&] { EXPECT_EQ(Unsubscribe(a_), 0u); }, {&a_, &b_, &c_}, {"a", "b", "c"},
+       {"b", "c"}},
+      {"a removes the later c", [&] { Unsubscribe(c_); }, {&a_, &b_, &c_}, {"a", "b", "c"}, {"a", "b"}},
+      {"a subscribes b",
+       [&] {
+         if (tc::BrokerSubscriberCount(kType) == 1) {
+           EXPECT_EQ(Subscribe(b_), 0u);
+         }
+       },
+       {&a_}, {"a"}, {"a", "b"}},
+  };
+  for (const Case& change : cases) {
+    SCOPED_TRACE(change.name);
+    for (Subscriber* subscriber : {&a_, &b_, &c_})
+      while (Unsubscribe(*subscriber) == 0) {
+      }
+    a_.onEvent = change.onA;
+    for (Subscriber* subscriber : change.subscribed) ASSERT_EQ(Subscribe(*subscriber), 0u);
+    EXPECT_EQ(Publish("e"), change.first);
+    EXPECT_EQ(Publish("e"), change.second);
+  }
 }
 
 TEST_F(EventBrokerTest, HandlerMayPublishAgain) {

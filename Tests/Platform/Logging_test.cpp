@@ -105,8 +105,7 @@ class LogFileTest : public LoggingTest {
 
 TEST_F(LoggingTest, StreamsAreNamedByTheirNumber) {
   const std::pair<uint32_t, const char*> cases[] = {
-      {0, "Unknown"}, {1, "VxtInterface"}, {16, "Error"},        {27, "Telemetry"},
-      {30, "Configuration"}, {31, "Unknown"}, {0xffffffff, "Unknown"},
+      {0, "Unknown"}, {1, "VxtInterface"}, {30, "Configuration"}, {31, "Unknown"}, {0xffffffff, "Unknown"},
   };
   for (const auto& [stream, name] : cases) EXPECT_STREQ(Voxtrel_LoggingGetStreamName(stream), name) << stream;
 }
@@ -147,6 +146,10 @@ TEST_F(LoggingTest, TheEnvironmentChoosesTheLevel) {
     EXPECT_EQ(WrittenLevels(7), test.written) << test.level.value_or("unset");
     EXPECT_EQ(LoadedPreset(), test.preset) << test.level.value_or("unset");
   }
+  LoggingEnvironment environment;
+  environment.Set("VXT_LOG_USAGE", "1");
+  environment.Apply();
+  EXPECT_TRUE(Voxtrel_LoggingIsLoggingUsage());
 }
 
 TEST_F(LoggingTest, PresetsSetTheLevelsOfTheStreams) {
@@ -156,9 +159,7 @@ TEST_F(LoggingTest, PresetsSetTheLevelsOfTheStreams) {
     std::vector<uint32_t> otherLevels;
   };
   const Case cases[] = {
-      {"Trace", {1, 2, 3, 4}, {1, 2, 3, 4}}, {"InterfaceTrace", {1, 2, 3, 4}, {3, 4}},
-      {"Errors", {2, 3, 4}, {2, 3, 4}},      {"Off", {}, {}},
-      {"Default", {3, 4}, {3, 4}},
+      {"Trace", {1, 2, 3, 4}, {1, 2, 3, 4}}, {"InterfaceTrace", {1, 2, 3, 4}, {3, 4}}, {"Off", {}, {}},
   };
   for (const Case& preset : cases) {
     ASSERT_TRUE(Voxtrel_LoggingLoadLoggingPreset(preset.name)) << preset.name;

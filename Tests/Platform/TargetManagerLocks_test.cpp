@@ -232,13 +232,6 @@ TEST_F(TargetManagerLocksTest, RefusalsComeAtOnceAndNoReceiptIsMade) {
     Posted expected;
   };
   const Case cases[] = {
-      {[&] { return manager_.Lock(kCore0, 0, nullptr); },
-       {0x20000, "TargetManager.Lock was given a null operationToken"}},
-      {[&] { return manager_.LockMany(nullptr, 0, 0, &token); },
-       {0x20000, "TargetManager.LockMany was given a null deviceIds"}},
-      {[&] { return manager_.LockMany(devices, 1, 0, nullptr); },
-       {0x20000, "TargetManager.LockMany was given a null operationToken"}},
-      {[&] { return manager_.Unlock(nullptr); }, {0x20000, "TargetManager.Unlock was given a null operationToken"}},
       {[&] { return manager_.GetLockingClient(kCore0, nullptr); },
        {0x20000, "TargetManager.GetLockingClient was given a null clientIdentifier"}},
       {[&] { return manager_.Lock(0x04000002, 0, &token); },
