@@ -37,29 +37,22 @@ IInternalService_BitDataOperations& Ops() {
   return *static_cast<IInternalService_BitDataOperations*>(service);
 }
 
-// The handles in use, each of which may be held once only.
-class HandlesInUse {
- public:
-  bool Take(uint64_t handle) {
-    std::lock_guard lock(mutex_);
-    highest_ = std::max(highest_, handle);
-    return inUse_.insert(handle).second;
-  }
-  // Called before the vector is destroyed, so the handle may be given out
-  // again at once.
-  void Give(uint64_t handle) {
-    std::lock_guard lock(mutex_);
-    inUse_.erase(handle);
-  }
-  uint64_t Highest() {
-    std::lock_guard lock(mutex_);
-    return highest_;
-  }
+// The handles in use, each of which may be held once only; a handle is
+// given back before its vector is destroyed, so it may be reused at once.
+struct HandlesInUse {
+  std::mutex mutex;
+  std::set<uint64_t> inUse;
+  uint64_t highest = 0;  // Read once the threads are done
 
- private:
-  std::mutex mutex_;
-  std::set<uint64_t> inUse_;
-  uint64_t highest_ = 0;
+  bool Take(uint64_t handle) {
+    std::lock_guard lock(mutex);
+    highest = std::max(highest, handle);
+    return inUse.insert(handle).second;
+  }
+  void Give(uint64_t handle) {
+    std::lock_guard lock(mutex);
+    inUse.erase(handle);
+  }
 };
 
 class BitDataConcurrencyTest : public ::testing::Test {
@@ -117,7 +110,7 @@ TEST_F(BitDataConcurrencyTest, ThreadsOfOneClientShareItsTableSafely) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(failures.load(), 0);
-  EXPECT_LE(handles.Highest(), 1u + kThreads * kLivePerThread);
+  EXPECT_LE(handles.highest, 1u + kThreads * kLivePerThread);
 }
 
 // Clients connect, make vectors, and leave without destroying them while

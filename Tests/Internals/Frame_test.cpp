@@ -85,57 +85,51 @@ TEST_F(FrameTest, FailingCheckWritesItsLinesInOrderAndSkipsTheComponent) {
   EXPECT_EQ(tc::CallCount("Common.GetNumConnectedClients"), 0u);
 }
 
-struct FailureCase {
-  const char* name;
-  const ProbeService::Record* record;
-  tc::Behaviour behaviour;
-  VXT_Result publicCode;
-  std::string lastError;  // Empty: the standing text of internalCode
-  uint32_t internalCode = 0;
-};
-
-class FrameFailureTest : public FrameTest, public ::testing::WithParamInterface<FailureCase> {};
-
-TEST_P(FrameFailureTest, GivesThePublicCodeAndTheMessage) {
-  const FailureCase& failure = GetParam();
-  tc::SetBehaviour("Common.GetNumConnectedClients", failure.behaviour);
-  uint32_t count = 0;
-  EXPECT_EQ(probe.Count(1, failure.record, &count), failure.publicCode);
-  const std::string expected =
-      failure.lastError.empty() ? Voxtrel_ErrorGetDefaultMessage(failure.internalCode) : failure.lastError;
-  EXPECT_EQ(LastErrorMessage(), expected);
+// What the public code and the last error are when a check or the
+// component fails.
+TEST_F(FrameTest, FailuresGiveThePublicCodeAndTheMessage) {
+  struct Case {
+    const char* name;
+    ProbeService::Record record;
+    tc::Behaviour behaviour;
+    VXT_Result publicCode;
+    std::string lastError;
+  };
+  const Case cases[] = {
+      {"structure size",
+       {0},
+       {},
+       static_cast<VXT_Result>(0x80000010),
+       "InProc_Probe::Count() argument error (record) : Structure size not initialized"},
+      {"component posts",
+       {8},
+       {0x20002, "the component says why"},
+       static_cast<VXT_Result>(0x80000003),
+       "the component says why"},
+      {"component fails silently",
+       {8},
+       {.returnCode = 0x20002, .postText = ""},
+       static_cast<VXT_Result>(0x80000003),
+       Voxtrel_ErrorGetDefaultMessage(0x20002)},
+      {"component posts, then throws",
+       {8},
+       {0, "posted before the throw", 0x20002, true},
+       static_cast<VXT_Result>(0x8000000f),
+       "posted before the throw"},
+      {"no row for the code",
+       {8},
+       {0x123456, "", 0, false, 0},
+       static_cast<VXT_Result>(0x8000000f),
+       Voxtrel_ErrorGetDefaultMessage(0x123456)},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    tc::SetBehaviour("Common.GetNumConnectedClients", c.behaviour);
+    uint32_t count = 0;
+    EXPECT_EQ(probe.Count(1, &c.record, &count), c.publicCode);
+    EXPECT_EQ(LastErrorMessage(), c.lastError);
+  }
 }
-
-const ProbeService::Record kGood{8};
-const ProbeService::Record kUnsized{0};
-
-INSTANTIATE_TEST_SUITE_P(
-    Failures, FrameFailureTest,
-    ::testing::Values(
-        FailureCase{"StructureSize",
-                    &kUnsized,
-                    {},
-                    static_cast<VXT_Result>(0x80000010),
-                    "InProc_Probe::Count() argument error (record) : Structure size not initialized"},
-        FailureCase{"ComponentPosts",
-                    &kGood,
-                    {0x20002, "the component says why"},
-                    static_cast<VXT_Result>(0x80000003),
-                    "the component says why"},
-        FailureCase{"ComponentFailsSilently",
-                    &kGood,
-                    {.returnCode = 0x20002, .postText = ""},
-                    static_cast<VXT_Result>(0x80000003),
-                    "",
-                    0x20002},
-        FailureCase{"ComponentPostsThenThrows",
-                    &kGood,
-                    {0, "posted before the throw", 0x20002, true},
-                    static_cast<VXT_Result>(0x8000000f),
-                    "posted before the throw"},
-        FailureCase{
-            "NoRowForCode", &kGood, {0x123456, "", 0, false, 0}, static_cast<VXT_Result>(0x8000000f), "", 0x123456}),
-    [](const auto& info) { return info.param.name; });
 
 TEST_F(FrameTest, UnboundTableFailsWithNoConnection) {
   probe.common = nullptr;
@@ -177,7 +171,8 @@ VXT_Result RunProbe(const ServiceLogger& logger, const OperationSite& site, uint
 }
 
 // The forms of the Out line: its level, and whether it ends with the client
-// id. Every other line of the call keeps its level and trailer.
+// id. Every other line of the call keeps its level and trailer; with level 1
+// off, only the Out line of large results is written.
 TEST_F(FrameTest, OutLineForms) {
   struct Form {
     const char* name;
@@ -194,33 +189,27 @@ TEST_F(FrameTest, OutLineForms) {
   };
   for (const Form& form : forms) {
     SCOPED_TRACE(form.name);
-    ClearTrace();
     uint32_t value = 0;
-    EXPECT_EQ(RunProbe(probe.logger, form.site, &value,
-                       [&](Call& call) {
-                         return call.Core([&] {
-                           value = 7;
-                           return 0u;
-                         });
-                       }),
-              0);
+    const auto run = [&] {
+      ClearTrace();
+      EXPECT_EQ(RunProbe(probe.logger, form.site, &value,
+                         [&](Call& call) {
+                           return call.Core([&] {
+                             value = 7;
+                             return 0u;
+                           });
+                         }),
+                0);
+    };
+    tc::SetLogLevel(1);
+    run();
     EXPECT_EQ(tc::CapturedTrace(),
               (std::vector<tc::TraceLine>{{1, 1, "In  InProc_Probe::Read(deviceId = 0x0000001a) [ClientID: 0]", 0},
                                           {1, form.outLevel, form.outLine, 0}}));
+    tc::SetLogLevel(2);
+    run();
+    EXPECT_EQ(Trace(), form.outLevel == 2 ? std::vector<std::string>{form.outLine} : std::vector<std::string>{});
   }
-}
-
-// With level 1 off, an operation with large results writes its Out line
-// alone; the other operations write nothing.
-TEST_F(FrameTest, LargeOutLineIsWrittenWhileLevelOneIsOff) {
-  tc::SetLogLevel(2);
-  const OperationSite site = VXT_OPERATION(Probe, Read);
-  uint32_t value = 0;
-  const auto succeed = [](Call& call) { return call.Core([] { return 0u; }); };
-  RunProbe(probe.logger, site, &value, succeed);
-  RunProbe(probe.logger, site.UntrailedOut(), &value, succeed);
-  RunProbe(probe.logger, site.LargeOut(), &value, succeed);
-  EXPECT_EQ(Trace(), (std::vector<std::string>{"Out InProc_Probe::Read(value = 0x00000000) ErrorCode = 0x00000000"}));
 }
 
 // Whatever the body throws becomes 0x20009: an empty post, then the text

@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -35,11 +34,14 @@ class ListeningClient {
     posix_spawn_file_actions_adddup2(&actions, fds[1], STDERR_FILENO);
     posix_spawn_file_actions_addclose(&actions, fds[0]);
     posix_spawn_file_actions_addclose(&actions, fds[1]);
+    // As a user runs it, without the trace variables of the calling
+    // environment; env keeps its process id when it starts vxt.
     std::string path = VXT_CLI_PATH;
-    std::string command = "events";
-    char* argv[] = {path.data(), command.data(), nullptr};
-    std::vector<char*> environment = EnvironmentWithoutTrace();
-    if (posix_spawn(&pid_, path.c_str(), &actions, nullptr, argv, environment.data()) != 0) pid_ = -1;
+    std::vector<std::string> arguments = {"env", "-u", "VXT_LOG_FILE", "-u", "VXT_LOG_LEVEL", path, "events"};
+    std::vector<char*> argv;
+    for (std::string& argument : arguments) argv.push_back(argument.data());
+    argv.push_back(nullptr);
+    if (posix_spawnp(&pid_, "env", &actions, nullptr, argv.data(), environ) != 0) pid_ = -1;
     posix_spawn_file_actions_destroy(&actions);
     close(fds[1]);
   }
@@ -78,14 +80,6 @@ class ListeningClient {
   }
 
  private:
-  static std::vector<char*> EnvironmentWithoutTrace() {
-    std::vector<char*> environment;
-    for (char** variable = environ; *variable != nullptr; ++variable)
-      if (std::strncmp(*variable, "VXT_LOG_", 8) != 0) environment.push_back(*variable);
-    environment.push_back(nullptr);
-    return environment;
-  }
-
   bool ReadSome(std::chrono::steady_clock::time_point deadline) {
     if (ended_) return false;
     const auto left =
