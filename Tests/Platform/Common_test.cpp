@@ -28,11 +28,7 @@ constexpr uint32_t kNullArgument = 0x20000;
 constexpr uint32_t kStructureSize = 0x2000a;
 constexpr uint32_t kUnknownClient = 0x140000;
 
-const CommonComponent& Common() {
-  const CommonComponent* table = nullptr;
-  EXPECT_EQ(Voxtrel_GetCommon(&table), 0u);
-  return *table;
-}
+const CommonComponent& Common() { return vxt::test::Get(&Voxtrel_GetCommon); }
 
 // A full record whose every byte tells where it stands, so that a copy that
 // drops or moves a byte shows.

@@ -11,6 +11,7 @@
 #include "Error.h"
 #include "EventBroker.h"
 #include "PlatformTestControl.h"
+#include "TargetTestSupport.h"
 #include "VxtTestSupport.h"
 
 namespace {
@@ -18,11 +19,7 @@ namespace {
 namespace tc = voxtrel::testing;
 using Strings = std::vector<std::string>;
 
-const CommonComponent& Common() {
-  const CommonComponent* table = nullptr;
-  EXPECT_EQ(Voxtrel_GetCommon(&table), 0u);
-  return *table;
-}
+const CommonComponent& Common() { return vxt::test::Get(&Voxtrel_GetCommon); }
 
 // The operation steered in these tests: it has an out argument, so that
 // whether its own work ran shows.

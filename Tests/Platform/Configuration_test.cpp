@@ -23,17 +23,9 @@ using vxt::test::Posted;
 using vxt::test::ScopedEnvironment;
 using Names = std::vector<std::string>;
 
-const ConfigurationComponent& Configuration() {
-  const ConfigurationComponent* table = nullptr;
-  EXPECT_EQ(Voxtrel_GetConfiguration(&table), 0u);
-  return *table;
-}
+const ConfigurationComponent& Configuration() { return vxt::test::Get(&Voxtrel_GetConfiguration); }
 
-const TargetManagerComponent& TargetManager() {
-  const TargetManagerComponent* table = nullptr;
-  EXPECT_EQ(Voxtrel_GetTargetManager(&table), 0u);
-  return *table;
-}
+const TargetManagerComponent& TargetManager() { return vxt::test::Get(&Voxtrel_GetTargetManager); }
 
 Names ListedNames() {
   uint32_t count = 0;

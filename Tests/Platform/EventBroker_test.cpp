@@ -26,11 +26,7 @@ constexpr uint32_t kUnknownSubscription = 0x20001;
 constexpr uint32_t kNotRunning = 0x20002;
 constexpr char kType[] = "BrokerTest";
 
-const EventBrokerComponent& Broker() {
-  const EventBrokerComponent* table = nullptr;
-  EXPECT_EQ(Voxtrel_GetEventBroker(&table), 0u);
-  return *table;
-}
+const EventBrokerComponent& Broker() { return vxt::test::Get(&Voxtrel_GetEventBroker); }
 
 // One delivery as a subscriber saw it.
 struct Delivery {

@@ -16,6 +16,7 @@
 #include "Common.h"
 #include "Logging.h"
 #include "PlatformTestControl.h"
+#include "TargetTestSupport.h"
 #include "VxtTestSupport.h"
 
 namespace {
@@ -24,11 +25,7 @@ namespace tc = voxtrel::testing;
 namespace fs = std::filesystem;
 using vxt::test::ReadLines;
 
-const CommonComponent& Common() {
-  const CommonComponent* table = nullptr;
-  EXPECT_EQ(Voxtrel_GetCommon(&table), 0u);
-  return *table;
-}
+const CommonComponent& Common() { return vxt::test::Get(&Voxtrel_GetCommon); }
 
 // Sets the logging variables for one test and gives the environment back.
 class LoggingEnvironment {

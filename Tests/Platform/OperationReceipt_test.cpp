@@ -21,6 +21,7 @@
 #include "Error.h"
 #include "OperationReceipt.h"
 #include "PlatformTestControl.h"
+#include "TargetTestSupport.h"
 
 namespace {
 
@@ -35,14 +36,7 @@ constexpr uint32_t kCompleted = 2;
 constexpr uint32_t kCanceled = 3;
 constexpr uint32_t kFailed = 4;
 
-const OperationReceiptComponent& Receipts() {
-  static const OperationReceiptComponent* const table = [] {
-    const OperationReceiptComponent* found = nullptr;
-    EXPECT_EQ(Voxtrel_GetOperationReceipt(&found), 0u);
-    return found;
-  }();
-  return *table;
-}
+const OperationReceiptComponent& Receipts() { return vxt::test::Get(&Voxtrel_GetOperationReceipt); }
 
 std::string TokenText(uint64_t token) {
   char text[19];
@@ -50,31 +44,8 @@ std::string TokenText(uint64_t token) {
   return text;
 }
 
-// What one component call returned and posted.
-struct Answer {
-  uint32_t code = 0;
-  std::string message;
-  friend bool operator==(const Answer&, const Answer&) = default;
-  friend std::ostream& operator<<(std::ostream& out, const Answer& answer) {
-    return out << std::hex << answer.code << " '" << answer.message << "'";
-  }
-};
-
-Answer Ask(const std::function<uint32_t()>& call) {
-  const Voxtrel_ErrorContext context = Voxtrel_ErrorEnterContex(1);
-  Answer answer;
-  answer.code = call();
-  uint32_t size = 0;
-  Voxtrel_ErrorGetErrorMessageSize(context, &size);
-  if (size > 0) {
-    std::string text(size, '\0');
-    Voxtrel_ErrorGetErrorMessage(context, text.data(), size);
-    text.pop_back();
-    answer.message = text;
-  }
-  Voxtrel_ErrorExitContex(context);
-  return answer;
-}
+using vxt::test::Posted;
+using vxt::test::CallPosting;
 
 uint32_t StatusOf(uint64_t token) {
   uint32_t status = 99;
@@ -226,7 +197,7 @@ TEST(OperationReceipt, ErrorMessageIsCopiedWithinTheCallersBuffer) {
     bool buffer;
     uint32_t maxBufferSize;
     bool size;
-    Answer answer;
+    Posted answer;
     std::string text;  // What the buffer holds; "zz" when untouched
     uint32_t reportedSize;
   };
@@ -248,7 +219,7 @@ TEST(OperationReceipt, ErrorMessageIsCopiedWithinTheCallersBuffer) {
     std::fill(std::begin(buffer), std::end(buffer), 'z');
     buffer[2] = '\0';
     uint32_t size = 77;
-    const Answer answer = Ask([&] {
+    const Posted answer = CallPosting([&] {
       return Receipts().GetOperationErrorMessage(token, c.buffer ? buffer : nullptr, c.maxBufferSize,
                                                  c.size ? &size : nullptr);
     });
@@ -287,7 +258,7 @@ TEST(OperationReceipt, FixedWidthValuesAreWidenedOrCutWhenTheSetBitsFit) {
     const uint64_t token = tc::StartCompletedReceipt(c.bits);
     auto check = [&](const Width& expected, auto get, auto out) {
       out = static_cast<decltype(out)>(kUntouched);
-      const Answer answer = Ask([&] { return get(token, &out); });
+      const Posted answer = CallPosting([&] { return get(token, &out); });
       EXPECT_EQ(answer.code, expected.code);
       EXPECT_EQ(out, static_cast<decltype(out)>(expected.value));
       if (expected.code != 0) {
@@ -320,12 +291,12 @@ TEST(OperationReceipt, OnlyACompletedOperationHasAValue) {
   for (const Case& c : cases) {
     const uint64_t token = c.start();
     SCOPED_TRACE(c.ending);
-    const Answer expected{c.code, "The operation of token " + TokenText(token) + c.ending};
+    const Posted expected{c.code, "The operation of token " + TokenText(token) + c.ending};
     BitData* value = nullptr;
-    EXPECT_EQ(Ask([&] { return Receipts().GetValue(token, &value); }), expected);
+    EXPECT_EQ(CallPosting([&] { return Receipts().GetValue(token, &value); }), expected);
     EXPECT_EQ(value, nullptr);
     uint32_t number = 5;
-    EXPECT_EQ(Ask([&] { return Receipts().GetValueAsUInt32(token, &number); }), expected);
+    EXPECT_EQ(CallPosting([&] { return Receipts().GetValueAsUInt32(token, &number); }), expected);
     EXPECT_EQ(number, 5u);
   }
 }
@@ -362,8 +333,8 @@ TEST(OperationReceipt, UnknownAndDestroyedTokensAreRefusedByEveryOperation) {
   for (uint64_t token : {uint64_t{0}, destroyed, destroyedWhilePending, destroyedWhilePending + 1000, ~uint64_t{0}}) {
     for (size_t i = 0; i < std::size(operations); ++i) {
       SCOPED_TRACE(testing::Message() << "token " << token << ", operation " << i);
-      EXPECT_EQ(Ask([&] { return operations[i](token); }),
-                (Answer{0x2000e, "Unknown operation token " + TokenText(token)}));
+      EXPECT_EQ(CallPosting([&] { return operations[i](token); }),
+                (Posted{0x2000e, "Unknown operation token " + TokenText(token)}));
     }
   }
   EXPECT_STREQ(buffer, "same");

@@ -26,12 +26,7 @@ constexpr uint32_t kCpuTap = 0x0e000000;
 constexpr uint32_t kUncoreTap = 0x0e000001;
 constexpr uint32_t kChipsetTap = 0x0e000002;
 
-template <class Table>
-const Table& Get(uint32_t (*getter)(const Table**)) {
-  const Table* table = nullptr;
-  EXPECT_EQ(getter(&table), 0u);
-  return *table;
-}
+using vxt::test::Get;
 
 // "Started/0", "Completed/1": the event's name and devicesHaveChanged.
 void RecordReconfiguration(void* userData, const char* eventName, const void* eventData) {

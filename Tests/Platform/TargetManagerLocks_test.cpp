@@ -30,12 +30,7 @@ constexpr uint32_t kStatusCompleted = 2;
 constexpr uint32_t kStatusCanceled = 3;
 constexpr uint32_t kStatusFailed = 4;
 
-template <class Table>
-const Table& Get(uint32_t (*getter)(const Table**)) {
-  const Table* table = nullptr;
-  EXPECT_EQ(getter(&table), 0u);
-  return *table;
-}
+using vxt::test::Get;
 
 // How a receipt ended.
 struct Ending {

@@ -45,11 +45,7 @@ constexpr uint32_t kInterfacePort = 0x0f000000;
 constexpr uint32_t kI2cBus = 0x11000000;
 constexpr uint32_t kPins = 0x12000000;
 
-const TargetManagerComponent& Manager() {
-  const TargetManagerComponent* table = nullptr;
-  EXPECT_EQ(Voxtrel_GetTargetManager(&table), 0u);
-  return *table;
-}
+const TargetManagerComponent& Manager() { return vxt::test::Get(&Voxtrel_GetTargetManager); }
 
 class TargetManagerQueriesTest : public ::testing::Test {
  protected:

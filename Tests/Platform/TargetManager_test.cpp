@@ -19,12 +19,7 @@ using namespace voxtrel::platform::target;
 using vxt::test::CallPosting;
 using vxt::test::Posted;
 
-template <class Table>
-const Table& Get(uint32_t (*getter)(const Table**)) {
-  const Table* table = nullptr;
-  EXPECT_EQ(getter(&table), 0u);
-  return *table;
-}
+using vxt::test::Get;
 
 class TargetManagerTest : public ::testing::Test {
  protected:

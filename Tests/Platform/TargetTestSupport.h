@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "../../Source/Platform/InterfacePort/InterfacePortState.h"
 #include "../../Source/Platform/RunControl/RunControlState.h"
 #include "../../Source/Platform/StatePort/StatePortState.h"
@@ -31,6 +33,14 @@ struct Posted {
 
 inline std::ostream& operator<<(std::ostream& out, const Posted& posted) {
   return out << "{0x" << std::hex << posted.code << std::dec << ", \"" << posted.message << "\"}";
+}
+
+// A component's table, from its getter.
+template <class Table>
+const Table& Get(uint32_t (*getter)(const Table**)) {
+  const Table* table = nullptr;
+  EXPECT_EQ(getter(&table), 0u);
+  return *table;
 }
 
 // Runs `call` in an error context of its own, as the library does.
