@@ -193,26 +193,9 @@ TEST(RenderTest, Records) {
 }
 
 TEST(TraceArgsTest, ArgumentLists) {
-  const uint8_t assembled[] = {0x90};
-  uint32_t numBytesAssembled = 1;
   ExpectAll({
       {"no argument", Line("(", TraceArgs(), ")"), "()"},
       {"one argument", Line(TraceArgs("serviceId", Dec{7u})), "serviceId = 7"},
-      {"in line",
-       Line("In  InProc_AsmDasm::Assemble(",
-            TraceArgs("deviceId", Hex8{1u}, "instructionType", Enum<InstructionTypeName>{VXT_InstructionType_32Bit},
-                      "instruction", Quoted{"nop"}, "instructionAddressOffset", Hex16{uint64_t{0x1000}},
-                      "maxBufferSize", Dec{16u}),
-            ")"),
-       "In  InProc_AsmDasm::Assemble(deviceId = 0x00000001 instructionType = 32Bit instruction = 'nop' "
-       "instructionAddressOffset = 0x0000000000001000 maxBufferSize = 16)"},
-      {"out line",
-       Line("Out InProc_AsmDasm::Assemble(",
-            TraceArgs("instruction", Quoted{"nop"}, "outputBuffer", Bytes(assembled, &numBytesAssembled),
-                      "numBytesAssembled", Out<Dec>(&numBytesAssembled)),
-            ") ErrorCode = ", Hex8{0u}),
-       "Out InProc_AsmDasm::Assemble(instruction = 'nop' outputBuffer = {0x90} numBytesAssembled = 1) "
-       "ErrorCode = 0x00000000"},
       {"omitted password", Line(TraceArgs("user", Quoted{"me"}, "password", Omitted{})),
        "user = 'me' password = <OMITTED>"},
   });
