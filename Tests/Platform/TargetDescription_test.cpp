@@ -189,14 +189,6 @@ TEST(TargetDescriptionTest, TextThatIsNoJsonIsPlacedByLineAndColumn) {
   }
 }
 
-TEST(TargetDescriptionTest, AValueForAnUndeclaredParameterIsRefused) {
-  const Failure failure = ParseFailure(BaseDescription().dump(), {{"seriall", "S2"}});
-  EXPECT_EQ(failure.code, kUnknownParameter);
-  EXPECT_EQ(failure.message,
-            "Configuration parameter 'seriall' is not declared by target description 'case.json' (it declares: "
-            "serial)");
-}
-
 TEST(TargetDescriptionTest, ParametersStandForTextAndNumbers) {
   Json description = BaseDescription();
   description["parameters"]["ir"] = "5";
