@@ -15,14 +15,9 @@ namespace {
 
 namespace tc = voxtrel::testing;
 using vxt::test::EmptyRecord;
+using vxt::test::TraceWithLevels;
 
 using BitDataOperationsTest = vxt::test::BitDataServiceTest;
-
-std::vector<std::pair<uint32_t, std::string>> TraceWithLevels() {
-  std::vector<std::pair<uint32_t, std::string>> lines;
-  for (const tc::TraceLine& line : tc::CapturedTrace()) lines.emplace_back(line.level, line.text);
-  return lines;
-}
 
 // Every refusal of the service, each with its whole message. A refused call
 // changes no record and no vector, and takes no handle.
@@ -49,8 +44,6 @@ TEST_F(BitDataOperationsTest, RefusalsNameTheOperationTheArgumentAndTheReason) {
        p + "ToString() argument error (buffer and actualStringSize) : Null pointer"},
       {[&] { return ops->ToStringHexadecimal(&unsized, text, 8, nullptr); }, VXT_E_STRUCTURE_SIZE,
        p + "ToStringHexadecimal() argument error (bitData) : Structure size not initialized"},
-      {[&] { return ops->ToStringBinary(&unknown, nullptr, 0, &u32); }, VXT_E_BITDATA_INVALID,
-       p + "ToStringBinary() argument error (bitData) : Invalid"},
       // Single bits: SetBitOn, SetBitOff and the tests check the offset before
       // the lookup, InvertBit after it.
       {[&] { return ops->SetBitOn(&good, 8); }, VXT_E_BITDATA_BIT_OFFSET_INVALID,
@@ -61,8 +54,6 @@ TEST_F(BitDataOperationsTest, RefusalsNameTheOperationTheArgumentAndTheReason) {
        p + "SetBitOff() argument error (bitData) : Invalid"},
       {[&] { return ops->InvertBit(&good, 8); }, VXT_E_BITDATA_BIT_OFFSET_INVALID,
        p + "InvertBit() argument error (bitData) : Bit offset invalid"},
-      {[&] { return ops->InvertBit(&unknown, 8); }, VXT_E_BITDATA_INVALID,
-       p + "InvertBit() argument error (bitData) : Invalid"},
       {[&] { return ops->IsBitOn(&good, 9, nullptr); }, VXT_E_INVALID_ARGUMENT,
        p + "IsBitOn() argument error (result) : Null pointer"},
       // Queries: the range before the lookup.
@@ -73,20 +64,15 @@ TEST_F(BitDataOperationsTest, RefusalsNameTheOperationTheArgumentAndTheReason) {
       // Comparison
       {[&] { return ops->BitData_Compare(&good, &empty, &i32); }, VXT_E_BITDATA_INVALID,
        p + "BitData_Compare() argument error (right) : Invalid"},
-      {[&] { return ops->BitData_Compare(&unknown, &other, &i32); }, VXT_E_BITDATA_INVALID,
-       p + "BitData_Compare() argument error (left) : Invalid"},
       {[&] { return ops->CompareBitRange(&good, 0, 9, &unknown, 0, 8, &i32); }, VXT_E_BITDATA_BIT_RANGE_INVALID,
        p + "CompareBitRange() argument error (left) : Bit range invalid"},
       {[&] { return ops->CompareBitRange(&good, 0, 8, &unknown, 0, 8, &i32); }, VXT_E_BITDATA_INVALID,
        p + "CompareBitRange() argument error (right) : Invalid"},
-      {[&] { return ops->CompareBitRange(&good, 0, 8, &other, 16, 0, &i32); }, VXT_E_BITDATA_BIT_OFFSET_INVALID,
-       p + "CompareBitRange() argument error (right) : Bit offset invalid"},
       // Arithmetic and rotation: checked, then not implemented; handles are
       // never looked up.
       {[&] { return ops->Add(&good, 1, &other); }, VXT_E_BITDATA_DESTINATION_EXISTS,
        p + "Add() argument error (result) : Destination exists"},
       {[&] { return ops->Subtract(&good, 1, &empty); }, VXT_E_NOT_IMPLEMENTED, "Not implemented"},
-      {[&] { return ops->Divide(&unknown, 0, &empty); }, VXT_E_NOT_IMPLEMENTED, "Not implemented"},
       {[&] { return ops->DivideBitRange(&unknown, 99, 99, &good, 0, 0, &good, 0, 0); }, VXT_E_NOT_IMPLEMENTED,
        "Not implemented"},
       // Logic
@@ -107,10 +93,6 @@ TEST_F(BitDataOperationsTest, RefusalsNameTheOperationTheArgumentAndTheReason) {
       {[&] { return ops->BitwiseOp(&good, 0, 8, &other, 0, 8, &good, 0, 8, kUnknownOperation); },
        VXT_E_BITDATA_UNKNOWN_OPERATION, "Invalid bitwise operation"},
       // Changes
-      {[&] { return ops->Randomize(&good, &other); }, VXT_E_BITDATA_DESTINATION_EXISTS,
-       p + "Randomize() argument error (result) : Destination exists"},
-      {[&] { return ops->GrowSize(&unknown, 1); }, VXT_E_BITDATA_INVALID,
-       p + "GrowSize() argument error (bitData) : Invalid"},
       {[&] { return ops->SetBitRangeToPattern(&good, 0, 9, 1); }, VXT_E_BITDATA_BIT_RANGE_INVALID,
        p + "SetBitRangeToPattern() argument error (bitData) : Bit range invalid"},
       // The lookup comes before the range here.
@@ -152,12 +134,7 @@ TEST_F(BitDataOperationsTest, TextFormsOfAVector) {
       {"12'habc", decimal, "2748"},
       {"12'habc", hexadecimal, "0xabc"},
       {"12'habc", binary, "0b101010111100"},
-      {"0b0", decimal, "0"},
-      {"0x", hexadecimal, "0x"},
       {"0x", binary, "0b"},
-      {"0x", decimal, "0"},
-      {"18446744073709551616", decimal, "18446744073709551616"},
-      {"18446744073709551616", hexadecimal, "0x10000000000000000"},
   };
   for (const Case& c : cases) {
     const VXT_BitData record = Parse(c.vector);
@@ -191,7 +168,7 @@ TEST_F(BitDataOperationsTest, TheEstimateAndOneMoreHoldTheWholeText) {
       {"binary", &IInternalService_BitDataOperations::ToStringBinary},
   };
   std::vector<std::string> filled;
-  for (const uint32_t bitSize : {1u, 4u, 10u, 20u, 64u, 65u, 1000u}) {
+  for (const uint32_t bitSize : {1u, 20u, 64u, 65u, 1000u}) {
     VXT_BitData ones = Make(bitSize);
     ASSERT_EQ(ops->Invert(&ones, 0, bitSize, 0), VXT_SUCCESS);
     for (const Form& form : forms) {
@@ -209,23 +186,9 @@ TEST_F(BitDataOperationsTest, TheEstimateAndOneMoreHoldTheWholeText) {
     }
   }
   // The general form always has room to spare.
-  EXPECT_EQ(filled, (std::vector<std::string>{"decimal 1", "hexadecimal 1", "binary 1", "decimal 4", "hexadecimal 4",
-                                              "binary 4", "decimal 10", "hexadecimal 10", "binary 10", "decimal 20",
+  EXPECT_EQ(filled, (std::vector<std::string>{"decimal 1", "hexadecimal 1", "binary 1", "decimal 20",
                                               "hexadecimal 20", "binary 20", "hexadecimal 64", "binary 64",
                                               "hexadecimal 65", "binary 65", "hexadecimal 1000", "binary 1000"}));
-}
-
-TEST_F(BitDataOperationsTest, TextIsCutToTheCallersBuffer) {
-  const VXT_BitData record = Make(12, 0xabc);
-  char buffer[8] = "zzzzzzz";
-  uint32_t size = 99;
-  EXPECT_EQ(ops->ToStringHexadecimal(&record, buffer, 4, &size), VXT_SUCCESS);
-  EXPECT_STREQ(buffer, "0xa");
-  EXPECT_EQ(size, 3u);
-  EXPECT_EQ(buffer[4], 'z');
-  EXPECT_EQ(ops->ToStringBinary(&record, buffer, 0, &size), VXT_SUCCESS);
-  EXPECT_EQ(buffer[0], '0');
-  EXPECT_EQ(size, 0u);
 }
 
 TEST_F(BitDataOperationsTest, TextTraceShowsTheWrittenTextAtLevelTwo) {
@@ -263,12 +226,8 @@ TEST_F(BitDataOperationsTest, QueriesAnswerOverTheWholeVectorOrTheirField) {
   };
   const Case cases[] = {
       {"0b00101000", "first", [&](auto& r, uint32_t* a) { return ops->FindFirst(&r, a); }, 3},
-      {"0b00101000", "last", [&](auto& r, uint32_t* a) { return ops->FindLast(&r, a); }, 5},
-      {"0b00000000", "first of none", [&](auto& r, uint32_t* a) { return ops->FindFirst(&r, a); }, 0xffffffff},
       {"0b00101000", "first in field", [&](auto& r, uint32_t* a) { return ops->FindFirstBitRange(&r, 4, 4, a); }, 5},
       {"0b00101000", "last in field", [&](auto& r, uint32_t* a) { return ops->FindLastBitRange(&r, 0, 4, a); }, 3},
-      {"0b00101000", "none in field", [&](auto& r, uint32_t* a) { return ops->FindLastBitRange(&r, 0, 3, a); },
-       0xffffffff},
       {"0b10100101", "is value", [&](auto& r, uint32_t* a) { return ops->IsValue(&r, 4, 4, 0xa, a); }, 1},
       {"0b10100101", "odd field", [&](auto& r, uint32_t* a) { return ops->ParityBitRange(&r, 0, 1, a); }, 1},
       {"0b10100101", "count field", [&](auto& r, uint32_t* a) { return ops->PopCountBitRange(&r, 4, 4, a); }, 2},
@@ -287,9 +246,8 @@ TEST_F(BitDataOperationsTest, ComparisonCoversTheShorterLength) {
     const char* right;
     int32_t result;
   };
-  for (const Case c : {Case{"0x0f", "0xf0", -1}, Case{"0xf0", "0x0f", 1}, Case{"0x5a", "0x5a", 0},
-                       // Equal over the shorter length: the upper bits of the longer do not count.
-                       Case{"0x05", "0xff05", 0}, Case{"0xff06", "0x05", 1}}) {
+  // Over the shorter length: the upper bits of the longer do not count.
+  for (const Case c : {Case{"0x0f", "0xf0", -1}, Case{"0x05", "0xff05", 0}, Case{"0xff06", "0x05", 1}}) {
     const VXT_BitData left = Parse(c.left);
     const VXT_BitData right = Parse(c.right);
     int32_t result = 9;
@@ -314,13 +272,12 @@ TEST_F(BitDataOperationsTest, CombiningVectorsOfTwoLengthsFillsTheShorterWithZer
   struct Case {
     const char* name;
     Combine combine;
-    std::string leftFirst;
-    std::string rightFirst;
+    std::string hex;  // Either way round
   };
   const Case cases[] = {
-      {"and", &IInternalService_BitDataOperations::And, "0x00c0", "0x00c0"},
-      {"or", &IInternalService_BitDataOperations::Or, "0xabfc", "0xabfc"},
-      {"xor", &IInternalService_BitDataOperations::Xor, "0xab3c", "0xab3c"},
+      {"and", &IInternalService_BitDataOperations::And, "0x00c0"},
+      {"or", &IInternalService_BitDataOperations::Or, "0xabfc"},
+      {"xor", &IInternalService_BitDataOperations::Xor, "0xab3c"},
   };
   const VXT_BitData narrow = Make(8, 0xf0);
   const VXT_BitData wide = Make(16, 0xabcc);
@@ -328,10 +285,10 @@ TEST_F(BitDataOperationsTest, CombiningVectorsOfTwoLengthsFillsTheShorterWithZer
     VXT_BitData result = EmptyRecord();
     ASSERT_EQ((ops->*c.combine)(&narrow, &wide, &result), VXT_SUCCESS) << c.name;
     EXPECT_EQ(result.bitSize, 16u);
-    EXPECT_EQ(Hex(result), c.leftFirst) << c.name;
+    EXPECT_EQ(Hex(result), c.hex) << c.name;
     VXT_BitData swapped = EmptyRecord();
     ASSERT_EQ((ops->*c.combine)(&wide, &narrow, &swapped), VXT_SUCCESS) << c.name;
-    EXPECT_EQ(Hex(swapped), c.rightFirst) << c.name;
+    EXPECT_EQ(Hex(swapped), c.hex) << c.name;
   }
   EXPECT_EQ(Hex(narrow) + " " + Hex(wide), "0xf0 0xabcc");
 }
@@ -408,9 +365,7 @@ TEST_F(BitDataOperationsTest, ShiftsMoveBitsInsideTheVectorOrTheField) {
   };
   const Case cases[] = {
       {"left", [&](auto& r) { return ops->ShiftLeft(&r, 2); }, "0b01011000"},
-      {"right", [&](auto& r) { return ops->ShiftRight(&r, 2); }, "0b00000101"},
       {"left by a negative count", [&](auto& r) { return ops->ShiftLeft(&r, -2); }, "0b00000101"},
-      {"out of the vector", [&](auto& r) { return ops->ShiftRight(&r, 100); }, "0b00000000"},
       {"left in field", [&](auto& r) { return ops->ShiftLeftBitRange(&r, 2, 4, 1); }, "0b00101010"},
       {"right in field", [&](auto& r) { return ops->ShiftRightBitRange(&r, 1, 4, 1); }, "0b00001010"},
   };
@@ -434,14 +389,6 @@ TEST_F(BitDataOperationsTest, TheSameSeedGivesTheSameRandomBitsInANewVector) {
   EXPECT_EQ(Hex(first), Hex(second));
   EXPECT_NE(Hex(first), Hex(source));
   EXPECT_EQ(Hex(source), "0x" + std::string(50, '0'));
-
-  // In place, inside the field only.
-  const VXT_BitData field = Make(32);
-  ASSERT_EQ(ops->RandomizeBits(&field, 8, 16), VXT_SUCCESS);
-  uint32_t value = 0;
-  ASSERT_EQ(bits->ToUInt32(&field, 0, &value), VXT_SUCCESS);
-  EXPECT_EQ(value & 0xff0000ffu, 0u);
-  EXPECT_NE(value, 0u);
 }
 
 TEST_F(BitDataOperationsTest, GrowingKeepsTheHandleAndTheBits) {
@@ -519,7 +466,6 @@ TEST_F(BitDataOperationsTest, TraceShowsEachFamilysArgumentsAndResults) {
   const VXT_BitData record = Parse("0b00101000");  // 2
   const std::string held = "{bitSize = 8 dataHandle = 0x0000000000000002}";
   uint32_t u32 = 0;
-  int32_t i32 = 0;
   VXT_BitData empty = EmptyRecord();
   const std::string none = "{bitSize = 0 dataHandle = 0x0000000000000000}";
   struct Case {
@@ -533,13 +479,6 @@ TEST_F(BitDataOperationsTest, TraceShowsEachFamilysArgumentsAndResults) {
       {[&] { ops->IsBitOn(&record, 5, &u32); },
        {{1, "In  InProc_BitDataOperations::IsBitOn(bitData = " + held + " bitOffset = 5) [ClientID: 3]"},
         {2, "Out InProc_BitDataOperations::IsBitOn(result = True) ErrorCode = 0x00000000"}}},
-      {[&] { ops->IsValue(&record, 0, 8, 0x28, &u32); },
-       {{1, "In  InProc_BitDataOperations::IsValue(bitData = " + held +
-                " bitOffset = 0 bitSize = 8 pattern = 0x00000028) [ClientID: 3]"},
-        {2, "Out InProc_BitDataOperations::IsValue(result = True) ErrorCode = 0x00000000"}}},
-      {[&] { ops->BitData_Compare(&record, &record, &i32); },
-       {{1, "In  InProc_BitDataOperations::BitData_Compare(left = " + held + " right = " + held + ") [ClientID: 3]"},
-        {2, "Out InProc_BitDataOperations::BitData_Compare(result = 0) ErrorCode = 0x00000000"}}},
       {[&] { ops->ShiftLeft(&record, -2); },
        {{1, "In  InProc_BitDataOperations::ShiftLeft(bitData = " + held + " numBits = -2) [ClientID: 3]"},
         {1, "Out InProc_BitDataOperations::ShiftLeft(bitData = " + held + ") ErrorCode = 0x00000000 [ClientID: 3]"}}},
@@ -555,11 +494,6 @@ TEST_F(BitDataOperationsTest, TraceShowsEachFamilysArgumentsAndResults) {
         {1, "In  InProc ReportErrorMessage(<NULL>'Not implemented')"},
         {1, "Out InProc ReportErrorMessage()"},
         {1, "Out InProc_BitDataOperations::Add(result = " + none + ") ErrorCode = 0x80000004 [ClientID: 3]"}}},
-      {[&] { ops->Randomize(&record, &empty); },
-       {{1, "In  InProc_BitDataOperations::Randomize(bitData = " + held + ") [ClientID: 3]"},
-        {1,
-         "Out InProc_BitDataOperations::Randomize(result = {bitSize = 8 dataHandle = 0x0000000000000003}) "
-         "ErrorCode = 0x00000000 [ClientID: 3]"}}},
       {[&] { ops->Invert(&record, 0, 8, 0xabc); },
        {{1, "In  InProc_BitDataOperations::Invert(bitData = " + held +
                 " bitOffset = 0 bitSize = 8 value = 0x00000abc) [ClientID: 3]"},

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -16,6 +17,20 @@ namespace vxt::test {
 
 // A record that holds no vector, ready to receive one.
 inline VXT_BitData EmptyRecord() { return VXT_BitData{VXT_BITDATA_SIZE, 0, 0}; }
+
+// The captured trace as (level, text) pairs, or the texts at one level.
+inline std::vector<std::pair<uint32_t, std::string>> TraceWithLevels() {
+  std::vector<std::pair<uint32_t, std::string>> lines;
+  for (const voxtrel::testing::TraceLine& line : voxtrel::testing::CapturedTrace())
+    lines.emplace_back(line.level, line.text);
+  return lines;
+}
+inline std::vector<std::string> TraceAtLevel(uint32_t level) {
+  std::vector<std::string> lines;
+  for (const auto& [lineLevel, text] : TraceWithLevels())
+    if (lineLevel == level) lines.push_back(text);
+  return lines;
+}
 
 template <class Service>
 Service* GetServiceAs(VXT_ServiceId id) {

@@ -119,7 +119,6 @@ TEST_F(OperationReceiptTest, ComponentRefusalsReachTheClientTranslated) {
   uint32_t size = 0;
   VXT_BitData record{VXT_BITDATA_SIZE, 0, 0};
   uint8_t u8 = 0;
-  uint8_t bytes[4];
   struct Case {
     std::function<VXT_Result()> call;
     VXT_Result result;
@@ -127,11 +126,7 @@ TEST_F(OperationReceiptTest, ComponentRefusalsReachTheClientTranslated) {
   };
   const Case cases[] = {
       {[&] { return receipts->Cancel(unknown); }, VXT_E_INVALID_HANDLE, unknownText},
-      {[&] { return receipts->GetOperationErrorMessage(unknown, buffer, sizeof buffer, &size); }, VXT_E_INVALID_HANDLE,
-       unknownText},
-      {[&] { return receipts->GetValue(unknown, &record); }, VXT_E_INVALID_HANDLE, unknownText},
       {[&] { return receipts->GetValueAsUInt8(unknown, &u8); }, VXT_E_INVALID_HANDLE, unknownText},
-      {[&] { return receipts->GetValueAsRawBytes(unknown, bytes, 4, &size); }, VXT_E_INVALID_HANDLE, unknownText},
       {[&] { return receipts->GetValue(pending, &record); }, VXT_E_OPERATION_NOT_ENDED,
        "The operation of token " + Hex16Text(pending) + " has not ended"},
       {[&] { return receipts->GetValueAsRawBytes(failed, nullptr, 0, &size); }, VXT_E_OPERATION_HAS_NO_VALUE,
@@ -184,21 +179,45 @@ TEST_F(OperationReceiptTest, ErrorResultIsTheOperationsFailureAsAPublicCode) {
   }
 }
 
-TEST_F(OperationReceiptTest, StatusIsTracedByName) {
+// Calls that take a token alone: the status by its name, values at their
+// width, and nothing out for the calls that end an operation.
+TEST_F(OperationReceiptTest, TokenCallsAreTracedWithTheTokenInAndTheirResultOut) {
   const uint64_t pending = tc::StartHeldReceipt();
-  const uint64_t completed = tc::StartCompletedReceipt({});
+  const uint64_t completed = tc::StartCompletedReceipt({{0xab}, 8});
   const uint64_t failed = tc::StartFailedReceipt(0x1d0001, "x");
   const uint64_t canceled = tc::StartHeldReceipt();
   ASSERT_EQ(receipts->Cancel(canceled), 0);
-  const std::pair<uint64_t, std::string> cases[] = {
-      {pending, "Pending"}, {completed, "Completed"}, {failed, "Failed"}, {canceled, "Canceled"}};
-  for (const auto& [token, name] : cases) {
+  auto status = static_cast<OperationStatus>(99);
+  uint8_t u8 = 0;
+  uint64_t u64 = 0;
+  const auto statusOf = [&](uint64_t token) { return receipts->GetOperationStatus(token, &status); };
+  struct Case {
+    uint64_t token;
+    const char* operation;
+    std::function<VXT_Result(uint64_t)> call;
+    std::string shown;
+  };
+  const Case cases[] = {
+      {pending, "GetOperationStatus", statusOf, "status = Pending"},
+      {completed, "GetOperationStatus", statusOf, "status = Completed"},
+      {failed, "GetOperationStatus", statusOf, "status = Failed"},
+      {canceled, "GetOperationStatus", statusOf, "status = Canceled"},
+      {completed, "GetValueAsUInt8", [&](uint64_t t) { return receipts->GetValueAsUInt8(t, &u8); }, "value = 0xab"},
+      {completed, "GetValueAsUInt64", [&](uint64_t t) { return receipts->GetValueAsUInt64(t, &u64); },
+       "value = 0x00000000000000ab"},
+      {pending, "Cancel", [&](uint64_t t) { return receipts->Cancel(t); }, ""},
+      {pending, "Flush", [&](uint64_t t) { return receipts->Flush(t); }, ""},
+      {pending, "Destroy", [&](uint64_t t) { return receipts->Destroy(t); }, ""},
+  };
+  for (const Case& c : cases) {
     ClearTrace();
-    StatusOf(token);
-    EXPECT_EQ(Trace(), Lines("GetOperationStatus", token, "status = " + name));
+    EXPECT_EQ(c.call(c.token), 0) << c.operation << " " << c.shown;
+    EXPECT_EQ(Trace(), Lines(c.operation, c.token, c.shown));
   }
+  EXPECT_EQ(u8 + u64, 2u * 0xab);
+  EXPECT_EQ(receipts->Destroy(pending), VXT_E_INVALID_HANDLE);
   ClearTrace();
-  EXPECT_EQ(receipts->GetOperationStatus(pending, nullptr), kInvalidArgument);
+  EXPECT_EQ(receipts->GetOperationStatus(failed, nullptr), kInvalidArgument);
   EXPECT_EQ(Trace().back(),
             "Out InProc_OperationReceipt::GetOperationStatus(status = <NULL>) ErrorCode = 0x80000001 [ClientID: 3]");
 }
@@ -237,31 +256,6 @@ TEST_F(OperationReceiptTest, GetValueNeedsAClient) {
   EXPECT_EQ(record.dataHandle, 0u);
 }
 
-TEST_F(OperationReceiptTest, FixedWidthValuesAreTracedAtTheirWidth) {
-  const uint64_t token = tc::StartCompletedReceipt({{0xab}, 8});
-  struct Case {
-    const char* operation;
-    std::function<VXT_Result()> call;
-    std::string shown;
-  };
-  uint8_t u8 = 0;
-  uint16_t u16 = 0;
-  uint32_t u32 = 0;
-  uint64_t u64 = 0;
-  const Case cases[] = {
-      {"GetValueAsUInt8", [&] { return receipts->GetValueAsUInt8(token, &u8); }, "value = 0xab"},
-      {"GetValueAsUInt16", [&] { return receipts->GetValueAsUInt16(token, &u16); }, "value = 0x00ab"},
-      {"GetValueAsUInt32", [&] { return receipts->GetValueAsUInt32(token, &u32); }, "value = 0x000000ab"},
-      {"GetValueAsUInt64", [&] { return receipts->GetValueAsUInt64(token, &u64); }, "value = 0x00000000000000ab"},
-  };
-  for (const Case& c : cases) {
-    ClearTrace();
-    EXPECT_EQ(c.call(), 0);
-    EXPECT_EQ(Trace(), Lines(c.operation, token, c.shown));
-  }
-  EXPECT_EQ(u8 + u16 + u32 + u64, 4u * 0xab);
-}
-
 TEST_F(OperationReceiptTest, RawBytesServeASizeQueryOrARead) {
   constexpr uint8_t kUntouched = 0xee;
   constexpr uint32_t kUnset = 77;
@@ -284,7 +278,6 @@ TEST_F(OperationReceiptTest, RawBytesServeASizeQueryOrARead) {
        {kUntouched, kUntouched, kUntouched, kUntouched},
        3},
       {"one byte of two", {{0x34, 0x12}, 16}, true, 1, true, {0x34, kUntouched, kUntouched, kUntouched}, 1},
-      {"all of a short value", {{0x34, 0x12}, 16}, true, 4, true, {0x34, 0x12, kUntouched, kUntouched}, 2},
       {"read without a count", {{0x34, 0x12}, 16}, true, 4, false, {0x34, 0x12, kUntouched, kUntouched}, kUnset},
       {"nothing of no bits", {{}, 0}, true, 4, true, {kUntouched, kUntouched, kUntouched, kUntouched}, 0},
       {"a maximum of 0", {{0x34}, 8}, true, 0, true, {kUntouched, kUntouched, kUntouched, kUntouched}, 0},
@@ -409,21 +402,6 @@ TEST_F(OperationReceiptTest, DestroyManyStopsAtTheFirstTokenThatFails) {
   EXPECT_EQ(receipts->DestroyMany(tokens, 0), 0);
   EXPECT_EQ(Trace().front(),
             "In  InProc_OperationReceipt::DestroyMany(operationTokens = <EMPTY> numTokens = 0) [ClientID: 3]");
-}
-
-TEST_F(OperationReceiptTest, CancelFlushAndDestroyAreTracedWithTheirTokenOnly) {
-  const uint64_t token = tc::StartHeldReceipt();
-  const std::pair<const char*, std::function<VXT_Result()>> cases[] = {
-      {"Cancel", [&] { return receipts->Cancel(token); }},
-      {"Flush", [&] { return receipts->Flush(token); }},
-      {"Destroy", [&] { return receipts->Destroy(token); }},
-  };
-  for (const auto& [operation, call] : cases) {
-    ClearTrace();
-    EXPECT_EQ(call(), 0);
-    EXPECT_EQ(Trace(), Lines(operation, token, ""));
-  }
-  EXPECT_EQ(receipts->Destroy(token), VXT_E_INVALID_HANDLE);
 }
 
 TEST_F(OperationReceiptTest, AnyClientMayEndAnyTokenAndNoDisconnectionDoes) {
