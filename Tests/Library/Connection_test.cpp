@@ -168,15 +168,6 @@ TEST_F(ConnectionTest, OverlongIdentifierOfAShortRecordIsCutTo255) {
   EXPECT_EQ(records[0].isLocal, 0);
 }
 
-TEST_F(ConnectionTest, InvalidRecordSizeFailsButTheIdStaysUntilDisconnect) {
-  VXT_Client client = MakeClient(4, "tool_1@here", 100);
-  EXPECT_EQ(StartNewInstance(&client, 1, 0, nullptr), kStructureSize);
-  EXPECT_STREQ(GetLastErrorMessage(), "VXT_Client structureSize is invalid: 100");
-  EXPECT_EQ(IsConnected(), 1u);
-  EXPECT_EQ(Disconnect(4), 0);
-  EXPECT_EQ(IsConnected(), 0u);
-}
-
 TEST_F(ConnectionTest, TelemetryNamesTheClientFromItsIdentifier) {
   struct Case {
     const char* identifier;
@@ -318,30 +309,22 @@ TEST_F(ConnectionTest, FailedStopAndFailedStartAreReportedWithoutAnErrorLine) {
                      }));
 }
 
-TEST_F(ConnectionTest, DisconnectIfLastClientNeedsItsOutArgument) {
+// Every StartNewInstance of an id counts, a refused record size too, until
+// its Disconnect; ConnectExistingInstance connects nothing.
+TEST_F(ConnectionTest, EachStartOfAnIdNeedsItsOwnDisconnect) {
   VXT_Client client = MakeClient(1, "a_1@h");
+  EXPECT_EQ(ConnectExistingInstance(&client, 1, nullptr), kNotSupported);
+  EXPECT_EQ(IsConnected(), 0u);
   ASSERT_EQ(StartNewInstance(&client, 1, 0, nullptr), 0);
+  client.structureSize = 100;
+  EXPECT_EQ(StartNewInstance(&client, 1, 0, nullptr), kStructureSize);
+  EXPECT_STREQ(GetLastErrorMessage(), "VXT_Client structureSize is invalid: 100");
+  EXPECT_EQ(Disconnect(1), 0);
   EXPECT_EQ(DisconnectIfLastClient(1, nullptr), kInvalidArgument);
   EXPECT_EQ(IsConnected(), 1u);
   uint32_t disconnected = 0;
   EXPECT_EQ(DisconnectIfLastClient(1, &disconnected), 0);
   EXPECT_EQ(disconnected, 1u);
-  EXPECT_EQ(IsConnected(), 0u);
-}
-
-TEST_F(ConnectionTest, SameIdTwiceNeedsTwoDisconnects) {
-  VXT_Client client = MakeClient(1, "a_1@h");
-  ASSERT_EQ(StartNewInstance(&client, 1, 0, nullptr), 0);
-  ASSERT_EQ(StartNewInstance(&client, 1, 0, nullptr), 0);
-  EXPECT_EQ(Disconnect(1), 0);
-  EXPECT_EQ(IsConnected(), 1u);
-  EXPECT_EQ(Disconnect(1), 0);
-  EXPECT_EQ(IsConnected(), 0u);
-}
-
-TEST_F(ConnectionTest, ConnectExistingInstanceIsNotServed) {
-  VXT_Client client = MakeClient(1, "a_1@h");
-  EXPECT_EQ(ConnectExistingInstance(&client, 1, nullptr), kNotSupported);
   EXPECT_EQ(IsConnected(), 0u);
 }
 

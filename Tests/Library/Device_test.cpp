@@ -27,16 +27,10 @@ TEST_F(DeviceChecksTest, NullPointersAreRefusedBeforeTheComponentIsAsked) {
     const char* argument;
   };
   const Case cases[] = {
-      {"GetNumTargetDomainDeviceIds", [&](auto& d) { return d.GetNumTargetDomainDeviceIds(nullptr); },
-       "numTargetDomains"},
       {"GetDeviceIdForIdentifier", [&](auto& d) { return d.GetDeviceIdForIdentifier(kDomain, nullptr, nullptr); },
        "identifier"},
       {"GetDeviceIdForIdentifier", [&](auto& d) { return d.GetDeviceIdForIdentifier(kDomain, "Core0", nullptr); },
        "deviceId"},
-      {"GetDebugportIdForDevice", [&](auto& d) { return d.GetDebugportIdForDevice(kCore0, nullptr); }, "debugPortID"},
-      {"GetDeviceProperty", [&](auto& d) { return d.GetDeviceProperty(kDomain, nullptr, nullptr); }, "propertyName"},
-      {"GetDeviceProperty", [&](auto& d) { return d.GetDeviceProperty(kDomain, "Platform", nullptr); },
-       "propertyValue"},
       {"LockMany", [&](auto& d) { return d.LockMany(nullptr, 1, 0, nullptr); }, "deviceIds"},
       {"GetDeviceProperties", [&](auto& d) { return d.GetDeviceProperties(kDomain, 1, nullptr, nullptr); },
        "propertyNames"},

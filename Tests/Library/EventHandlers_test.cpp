@@ -153,12 +153,6 @@ TEST_F(EventHandlerTest, RunControlEventsCarryEveryField) {
         "eventType: 1, breakpointId = 9, breakName = 'bn', breakType = 'bt', breakSubType = 'bs', details = 'dd'"},
        {"RunControl size=72 type=1 device=3 address=4198400 breakpoint=9 name='bn' breakType='bt' subType='bs' "
         "details='dd' extra=4660/2"}},
-      {"RunControl", "Halt", nullptr,
-       {"2 InProc Event Service RunControlEventHandler for device 0x00000000, address: 0x0000000000000000, "
-        "eventType: 33, breakpointId = 0, breakName = <NULL>, breakType = <NULL>, breakSubType = <NULL>, "
-        "details = <NULL>"},
-       {"RunControl size=72 type=33 device=0 address=0 breakpoint=0 name=null breakType=null subType=null "
-        "details=null extra=0/0"}},
       {"RunControl", "Step", nullptr,
        {"3 Unsupported type of run control event: 'Step'",
         "2 InProc Event Service RunControlEventHandler for device 0x00000000, address: 0x0000000000000000, "
