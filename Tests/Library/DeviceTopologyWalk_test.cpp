@@ -2,7 +2,6 @@
 // the same tree read from the description file by the rules of the target
 // description format: both must name the same devices in the same order,
 // with the same types, identifiers, properties and enabled flags.
-#include <cstdio>
 #include <fstream>
 #include <map>
 #include <string>
@@ -195,7 +194,6 @@ class DeviceTopologyWalkTest : public vxt::test::DeviceTest {
     ASSERT_EQ(devices->GetDevice(deviceId, &device), 0);
     uint32_t enabled = 0;
     ASSERT_EQ(devices->IsDeviceEnabled(deviceId, &enabled), 0);
-    char typeName[32] = "";
     static const char* const kNames[] = {
         "Unknown",       "LogicalRoot",    "TargetDomain",       "LogicalThread",
         "LogicalCore",   "LogicalUncore",  "LogicalChipset",     "LogicalBox",
@@ -203,8 +201,7 @@ class DeviceTopologyWalkTest : public vxt::test::DeviceTest {
         "Debugport",     "JTAGScanChain",  "TAPController",      "InterfacePort",
         "LogicalModule", "I2cBus",         "PinsInterface",      "VirtualJTAGScanChain"};
     ASSERT_LT(device.nodeType, 20u);
-    std::snprintf(typeName, sizeof typeName, "%s", kNames[device.nodeType]);
-    lines.push_back(DeviceLine(depth, typeName, device.identifier, enabled == 1, Properties(deviceId)));
+    lines.push_back(DeviceLine(depth, kNames[device.nodeType], device.identifier, enabled == 1, Properties(deviceId)));
 
     if (device.nodeType == VXT_NodeType_TargetDomain) targetDomainId = deviceId;
     uint32_t found = 0;

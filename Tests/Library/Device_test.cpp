@@ -69,7 +69,6 @@ TEST_F(DeviceChecksTest, GetDeviceNeedsItsStructureSizeAndTouchesNothingWithoutI
 // Lock, Unlock and BreakLock check nothing, and nodeTypes goes to the
 // component as it is; the component refuses what it cannot use.
 TEST_F(DeviceChecksTest, UncheckedPointersReachTheComponent) {
-  const uint32_t core[] = {kCore0};
   uint32_t count = 0;
   struct Case {
     std::function<VXT_Result(IInternalService_Device&)> call;
@@ -77,8 +76,6 @@ TEST_F(DeviceChecksTest, UncheckedPointersReachTheComponent) {
   };
   const Case cases[] = {
       {[&](auto& d) { return d.Lock(kCore0, 0, nullptr); }, "TargetManager.Lock was given a null operationToken"},
-      {[&](auto& d) { return d.LockMany(core, 1, 0, nullptr); },
-       "TargetManager.LockMany was given a null operationToken"},
       {[&](auto& d) { return d.Unlock(nullptr); }, "TargetManager.Unlock was given a null operationToken"},
       {[&](auto& d) { return d.GetNumDeviceIdsOfTypes(kDomain, 2, nullptr, &count); },
        "TargetManager.GetNumDeviceIdsOfTypes was given a null nodeTypes"},

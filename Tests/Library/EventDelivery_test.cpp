@@ -11,13 +11,12 @@
 namespace {
 
 namespace tc = voxtrel::testing;
+using vxt::test::Data;
 using vxt::test::Delivery;
 using vxt::test::Deliveries;
 using vxt::test::EventService;
 using vxt::test::Receive;
 using Strings = std::vector<std::string>;
-
-void* Data(uintptr_t value) { return reinterpret_cast<void*>(value); }
 
 constexpr auto kFirst = &Receive<0, VXT_MessageEvent>;
 constexpr auto kSecond = &Receive<1, VXT_MessageEvent>;
@@ -58,20 +57,6 @@ class EventDeliveryTest : public vxt::test::EventTest {
     return subscribers;
   }
 };
-
-TEST_F(EventDeliveryTest, SubscribersAreCalledInOrderWithTheirOwnUserData) {
-  ASSERT_EQ(events->SubscribeMessageEvents(kSecond, Data(2)), 0);
-  ASSERT_EQ(events->SubscribeMessageEvents(kFirst, Data(1)), 0);
-  ASSERT_EQ(events->SubscribeMessageEvents(kThird, nullptr), 0);
-  PublishMessage("ordered");
-
-  const std::vector<Delivery> deliveries = TakeDeliveries();
-  ASSERT_EQ(deliveries.size(), 3u);
-  const std::string record = "Message size=16 type=2 message='ordered'";
-  EXPECT_EQ(deliveries[0], (Delivery{1, Data(2), deliveries[0].record, record}));
-  EXPECT_EQ(deliveries[1], (Delivery{0, Data(1), deliveries[0].record, record}));
-  EXPECT_EQ(deliveries[2], (Delivery{2, nullptr, deliveries[0].record, record}));
-}
 
 TEST_F(EventDeliveryTest, ASubscriberThatUnsubscribesItselfDoesNotStopTheOthers) {
   ASSERT_EQ(events->SubscribeMessageEvents(kFirst, nullptr), 0);

@@ -12,14 +12,13 @@
 namespace {
 
 namespace tc = voxtrel::testing;
+using vxt::test::Data;
 using vxt::test::Delivery;
 using vxt::test::Receive;
 using vxt::test::ReceiveUndefined;
 using Strings = std::vector<std::string>;
 
 constexpr VXT_Result kInvalidArgument = static_cast<VXT_Result>(0x80000001);
-
-void* Data(uintptr_t value) { return reinterpret_cast<void*>(value); }
 
 template <class Function>
 std::string AddressText(Function* function) {
@@ -167,42 +166,35 @@ TEST_F(EventSubscriptionTest, EachFireReachesItsOwnList) {
   const VXT_StatePortEvent statePort{VXT_STATE_PORT_EVENT_SIZE, 1, 2, "p", 3, 4, 5};
   const int undefined = 0;
 
-  IInternal_FireEvent& fire = *events->GetFireEvent();
+  using F = IInternal_FireEvent;
   struct Case {
-    std::function<void()> fire;
-    std::function<void()> fireNull;
+    std::function<void(F&, bool)> fire;  // With the record, or with null
     std::string received;
   };
+  const auto with = [](auto operation, const auto* record) {
+    return [operation, record](F& fire, bool null) { (fire.*operation)(null ? nullptr : record); };
+  };
   const Case cases[] = {
-      {[&] { fire.FireTargetEvent(&target); }, [&] { fire.FireTargetEvent(nullptr); },
-       "Target size=48 type=1 state='On' device=4 feature=null/0 domain=null"},
-      {[&] { fire.FireMessageEvent(&message); }, [&] { fire.FireMessageEvent(nullptr); },
-       "Message size=16 type=2 message='hello'"},
-      {[&] { fire.FireRunControlEvent(&runControl); }, [&] { fire.FireRunControlEvent(nullptr); },
+      {with(&F::FireTargetEvent, &target), "Target size=48 type=1 state='On' device=4 feature=null/0 domain=null"},
+      {with(&F::FireMessageEvent, &message), "Message size=16 type=2 message='hello'"},
+      {with(&F::FireRunControlEvent, &runControl),
        "RunControl size=72 type=33 device=0 address=0 breakpoint=0 name=null breakType=null subType=null "
        "details=null extra=0/0"},
-      {[&] { fire.FireBreakStateChangeEvent(&undefined); }, [&] { fire.FireBreakStateChangeEvent(nullptr); },
-       "undefined"},
-      {[&] { fire.FireReconfigurationEvent(&reconfiguration); }, [&] { fire.FireReconfigurationEvent(nullptr); },
-       "Reconfiguration size=12 type=2 changed=1"},
-      {[&] { fire.FireInterfacePortErrorEvent(&portError); }, [&] { fire.FireInterfacePortErrorEvent(nullptr); },
-       "PortError size=24 type=1 port=3 error=99"},
-      {[&] { fire.FireInterfacePortStateChangeEvent(&portState); },
-       [&] { fire.FireInterfacePortStateChangeEvent(nullptr); }, "PortState size=20 type=2 port=3 states=4/5"},
-      {[&] { fire.FireInterfacePortServiceReconfigEvent(&undefined); },
-       [&] { fire.FireInterfacePortServiceReconfigEvent(nullptr); }, "undefined"},
-      {[&] { fire.FireNotificationEvent(&notification); }, [&] { fire.FireNotificationEvent(nullptr); },
-       "Notification size=1304 type=1 client=8 ''"},
-      {[&] { fire.FireSystemStallEvent(&stall); }, [&] { fire.FireSystemStallEvent(nullptr); },
-       "SystemStall size=24 type=1 name='s' value=6"},
-      {[&] { fire.FireStatePortEvent(&statePort); }, [&] { fire.FireStatePortEvent(nullptr); },
+      {with(&F::FireBreakStateChangeEvent, &undefined), "undefined"},
+      {with(&F::FireReconfigurationEvent, &reconfiguration), "Reconfiguration size=12 type=2 changed=1"},
+      {with(&F::FireInterfacePortErrorEvent, &portError), "PortError size=24 type=1 port=3 error=99"},
+      {with(&F::FireInterfacePortStateChangeEvent, &portState), "PortState size=20 type=2 port=3 states=4/5"},
+      {with(&F::FireInterfacePortServiceReconfigEvent, &undefined), "undefined"},
+      {with(&F::FireNotificationEvent, &notification), "Notification size=1304 type=1 client=8 ''"},
+      {with(&F::FireSystemStallEvent, &stall), "SystemStall size=24 type=1 name='s' value=6"},
+      {with(&F::FireStatePortEvent, &statePort),
        "StatePort size=48 type=1 device=2 port='p' value=3 first=4 second=5"},
   };
   for (const Case& event : cases) {
     SCOPED_TRACE(event.received);
-    event.fireNull();
+    event.fire(*events->GetFireEvent(), true);
     EXPECT_TRUE(TakeDeliveries().empty());
-    event.fire();
+    event.fire(*events->GetFireEvent(), false);
     EXPECT_EQ(TakeDescriptions(), Strings{event.received});
   }
 }

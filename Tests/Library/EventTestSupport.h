@@ -19,63 +19,53 @@
 namespace vxt::test {
 
 inline std::string Text(const char* text) { return text == nullptr ? "null" : "'" + std::string(text) + "'"; }
+inline void* Data(uintptr_t value) { return reinterpret_cast<void*>(value); }
+
+// Its parts streamed one after another.
+template <class... Parts>
+std::string Line(const Parts&... parts) {
+  std::ostringstream out;
+  (out << ... << parts);
+  return out.str();
+}
 
 inline std::string Describe(const VXT_TargetEvent& e) {
-  std::ostringstream out;
-  out << "Target size=" << e.structureSize << " type=" << e.eventType << " state=" << Text(e.currentState)
-      << " device=" << e.deviceId << " feature=" << Text(e.featureText) << "/" << e.featureTextCount
-      << " domain=" << Text(e.powerDomain);
-  return out.str();
+  return Line("Target size=", e.structureSize, " type=", e.eventType, " state=", Text(e.currentState),
+              " device=", e.deviceId, " feature=", Text(e.featureText), "/", e.featureTextCount,
+              " domain=", Text(e.powerDomain));
 }
 inline std::string Describe(const VXT_MessageEvent& e) {
-  std::ostringstream out;
-  out << "Message size=" << e.structureSize << " type=" << e.messageType << " message=" << Text(e.message);
-  return out.str();
+  return Line("Message size=", e.structureSize, " type=", e.messageType, " message=", Text(e.message));
 }
 inline std::string Describe(const VXT_RunControlEvent& e) {
-  std::ostringstream out;
-  out << "RunControl size=" << e.structureSize << " type=" << e.eventType << " device=" << e.deviceId
-      << " address=" << e.address << " breakpoint=" << e.breakpointId << " name=" << Text(e.breakName)
-      << " breakType=" << Text(e.breakType) << " subType=" << Text(e.breakSubType) << " details=" << Text(e.details)
-      << " extra=" << e.extraValue << "/" << e.extraCount;
-  return out.str();
+  return Line("RunControl size=", e.structureSize, " type=", e.eventType, " device=", e.deviceId,
+              " address=", e.address, " breakpoint=", e.breakpointId, " name=", Text(e.breakName),
+              " breakType=", Text(e.breakType), " subType=", Text(e.breakSubType), " details=", Text(e.details),
+              " extra=", e.extraValue, "/", e.extraCount);
 }
 inline std::string Describe(const VXT_ReconfigurationEvent& e) {
-  std::ostringstream out;
-  out << "Reconfiguration size=" << e.structureSize << " type=" << e.eventType
-      << " changed=" << e.devicesHaveChanged;
-  return out.str();
+  return Line("Reconfiguration size=", e.structureSize, " type=", e.eventType, " changed=", e.devicesHaveChanged);
 }
 inline std::string Describe(const VXT_InterfacePortErrorEvent& e) {
-  std::ostringstream out;
-  out << "PortError size=" << e.structureSize << " type=" << e.eventType << " port=" << e.interfacePortId
-      << " error=" << e.errorValue;
-  return out.str();
+  return Line("PortError size=", e.structureSize, " type=", e.eventType, " port=", e.interfacePortId,
+              " error=", e.errorValue);
 }
 inline std::string Describe(const VXT_InterfacePortStateChangeEvent& e) {
-  std::ostringstream out;
-  out << "PortState size=" << e.structureSize << " type=" << e.eventType << " port=" << e.interfacePortId
-      << " states=" << e.firstStateValue << "/" << e.secondStateValue;
-  return out.str();
+  return Line("PortState size=", e.structureSize, " type=", e.eventType, " port=", e.interfacePortId,
+              " states=", e.firstStateValue, "/", e.secondStateValue);
 }
 inline std::string Describe(const VXT_NotificationEvent& e) {
-  std::ostringstream out;
-  out << "Notification size=" << e.structureSize << " type=" << e.eventType << " client=" << e.client.clientId
-      << " " << Text(e.client.identifier);
-  return out.str();
+  return Line("Notification size=", e.structureSize, " type=", e.eventType, " client=", e.client.clientId, " ",
+              Text(e.client.identifier));
 }
 inline std::string Describe(const VXT_SystemStallEvent& e) {
-  std::ostringstream out;
-  out << "SystemStall size=" << e.structureSize << " type=" << e.eventType << " name=" << Text(e.stallName)
-      << " value=" << e.stallValue;
-  return out.str();
+  return Line("SystemStall size=", e.structureSize, " type=", e.eventType, " name=", Text(e.stallName),
+              " value=", e.stallValue);
 }
 inline std::string Describe(const VXT_StatePortEvent& e) {
-  std::ostringstream out;
-  out << "StatePort size=" << e.structureSize << " type=" << e.eventType << " device=" << e.deviceId
-      << " port=" << Text(e.statePortName) << " value=" << e.portValue << " first=" << e.firstValue
-      << " second=" << e.secondValue;
-  return out.str();
+  return Line("StatePort size=", e.structureSize, " type=", e.eventType, " device=", e.deviceId,
+              " port=", Text(e.statePortName), " value=", e.portValue, " first=", e.firstValue,
+              " second=", e.secondValue);
 }
 
 // One call of a subscriber.

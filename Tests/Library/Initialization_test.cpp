@@ -56,13 +56,11 @@ TEST_F(InitializationTest, NullPointersNeverReachTheComponent) {
       {[] { return SelectConfigurationByFileName(nullptr); },
        "VXT_SelectConfigurationByFileName was passed a null pointer"},
       {[] { return SelectConfigurationByName(nullptr); }, "VXT_SelectConfigurationByName was passed a null pointer"},
-      {[] { return GetAvailableConfigurationCount(nullptr); },
-       "VXT_GetAvailableConfigurationCount was passed a null pointer"},
       {[] { return GetAvailableConfigurations(1, nullptr); },
        "VXT_GetAvailableConfigurations was passed a null pointer"},
       {[&] { return SetConfigurationParameters(1, names, nullptr); },
        "VXT_SetConfigurationParameters was passed a null pointer"},
-      {[] { return SetClientInfo("key", nullptr); }, "VXT_SetClienInfo was passed a null pointer"},
+      {[] { return SetClientInfo(nullptr, "value"); }, "VXT_SetClienInfo was passed a null pointer"},
   };
   tc::StartRecordingCalls();
   for (const Case& refused : cases) {
@@ -250,18 +248,11 @@ TEST_F(InitializationTest, FinishInitializationLinesOpenAndCloseANestedStretch) 
 
 TEST_F(InitializationTest, DynamicInitializationGoesToTheTargetManager) {
   Connect();
-  ClearTrace();
   tc::StartRecordingCalls();
   EXPECT_EQ(BeginDynamicInitialization(), 0);
   EXPECT_EQ(CancelDynamicInitialization(), 0);
   EXPECT_EQ(tc::CallCount("TargetManager.BeginDynamicInitialization"), 1u);
   EXPECT_EQ(tc::CallCount("TargetManager.CancelDynamicInitialization"), 1u);
-  EXPECT_EQ(Trace(), (Strings{
-                         "In InProc_Vxt::BeginDynamicInitialization() [ClientID: 1]",
-                         "Out InProc_Vxt::BeginDynamicInitialization() ErrorCode = 0x00000000 [ClientID: 1]",
-                         "In InProc_Vxt::CancelDynamicInitialization() [ClientID: 1]",
-                         "Out InProc_Vxt::CancelDynamicInitialization() ErrorCode = 0x00000000 [ClientID: 1]",
-                     }));
   tc::FailWith("TargetManager.BeginDynamicInitialization", 0x20002);
   EXPECT_EQ(BeginDynamicInitialization(), kNotSupported);
   Disconnect(1);
