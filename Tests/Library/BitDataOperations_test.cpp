@@ -123,11 +123,8 @@ TEST_F(BitDataOperationsTest, TextFormsOfAVector) {
     std::string text;
   };
   const Case cases[] = {
-      {"12'habc", general, "12'habc"},
-      {"12'habc", decimal, "2748"},
-      {"12'habc", hexadecimal, "0xabc"},
-      {"12'habc", binary, "0b101010111100"},
-      {"0x", binary, "0b"},
+      {"12'habc", general, "12'habc"},       {"12'habc", decimal, "2748"}, {"12'habc", hexadecimal, "0xabc"},
+      {"12'habc", binary, "0b101010111100"}, {"0x", binary, "0b"},
   };
   for (const Case& c : cases) {
     const VXT_BitData record = Parse(c.vector);
@@ -179,32 +176,9 @@ TEST_F(BitDataOperationsTest, TheEstimateAndOneMoreHoldTheWholeText) {
     }
   }
   // The general form always has room to spare.
-  EXPECT_EQ(filled, (std::vector<std::string>{"decimal 1", "hexadecimal 1", "binary 1", "decimal 4", "hexadecimal 4",
-                                              "binary 4", "hexadecimal 65", "binary 65", "hexadecimal 1000",
-                                              "binary 1000"}));
-}
-
-TEST_F(BitDataOperationsTest, TextTraceShowsTheWrittenTextAtLevelTwo) {
-  const VXT_BitData record = Make(12, 0xabc);
-  char buffer[16];
-  uint32_t size = 0;
-  ClearTrace();
-  ASSERT_EQ(ops->ToStringHexadecimal(&record, nullptr, 0, &size), VXT_SUCCESS);
-  ASSERT_EQ(ops->ToStringHexadecimal(&record, buffer, sizeof buffer, &size), VXT_SUCCESS);
-  const std::string in =
-      "In  InProc_BitDataOperations::ToStringHexadecimal(bitData = {bitSize = 12 dataHandle = "
-      "0x0000000000000002} maxBufferSize = ";
-  EXPECT_EQ(TraceWithLevels(),
-            (std::vector<std::pair<uint32_t, std::string>>{
-                {1, in + "0) [ClientID: 3]"},
-                {2,
-                 "Out InProc_BitDataOperations::ToStringHexadecimal(buffer = <NULL> actualStringSize = 5) "
-                 "ErrorCode = 0x00000000"},
-                {1, in + "16) [ClientID: 3]"},
-                {2,
-                 "Out InProc_BitDataOperations::ToStringHexadecimal(buffer = 0xabc actualStringSize = 5) "
-                 "ErrorCode = 0x00000000"},
-            }));
+  EXPECT_EQ(filled,
+            (std::vector<std::string>{"decimal 1", "hexadecimal 1", "binary 1", "decimal 4", "hexadecimal 4",
+                                      "binary 4", "hexadecimal 65", "binary 65", "hexadecimal 1000", "binary 1000"}));
 }
 
 // ---- Bits and queries ---------------------------------------------------------
@@ -304,21 +278,6 @@ TEST_F(BitDataOperationsTest, AnOperandFoundBadAfterTheResultIsMadeLeavesTheResu
   EXPECT_EQ(copied.dataHandle, 0u);
 }
 
-TEST_F(BitDataOperationsTest, BitwiseOpCombinesFieldsWithOrFirstInItsNumbering) {
-  const VXT_BitData left = Make(8, 0xf0);
-  const VXT_BitData right = Make(8, 0x3c);
-  struct Case {
-    BitwiseOperation operation;
-    std::string hex;
-  };
-  for (const Case& c : {Case{VXT_BitwiseOperation_OR, "0xfffcf"}, Case{VXT_BitwiseOperation_AND, "0xff30f"},
-                        Case{VXT_BitwiseOperation_XOR, "0xffccf"}}) {
-    const VXT_BitData dest = Make(20, 0xfffff);
-    ASSERT_EQ(ops->BitwiseOp(&dest, 4, 8, &left, 0, 8, &right, 0, 8, c.operation), VXT_SUCCESS);
-    EXPECT_EQ(Hex(dest), c.hex) << c.operation;
-  }
-}
-
 // The operands' sizes only pass their own fields; destBitSize bits are taken
 // from each operand's offset, past its field as far as its vector reaches.
 TEST_F(BitDataOperationsTest, BitwiseOpTakesDestBitSizeBitsOfEachOperand) {
@@ -349,23 +308,41 @@ TEST_F(BitDataOperationsTest, BitwiseOpTakesDestBitSizeBitsOfEachOperand) {
 
 // ---- Changes -----------------------------------------------------------------
 
-TEST_F(BitDataOperationsTest, ShiftsMoveBitsInsideTheVectorOrTheField) {
-  using Shift = std::function<VXT_Result(const VXT_BitData&)>;
+TEST_F(BitDataOperationsTest, ChangesWriteTheWholeVectorOrOnlyTheirFieldInPlace) {
+  const VXT_BitData left = Make(8, 0xf0);
+  const VXT_BitData right = Make(8, 0x3c);
+  const auto bitwise = [&](BitwiseOperation operation) {
+    return [&, operation](auto& r) { return ops->BitwiseOp(&r, 4, 8, &left, 0, 8, &right, 0, 8, operation); };
+  };
   struct Case {
     const char* what;
-    Shift shift;
-    std::string binary;
+    const char* vector;
+    std::function<VXT_Result(VXT_BitData&)> change;
+    std::string hex;
   };
   const Case cases[] = {
-      {"left", [&](auto& r) { return ops->ShiftLeft(&r, 2); }, "0b01011000"},
-      {"left by a negative count", [&](auto& r) { return ops->ShiftLeft(&r, -2); }, "0b00000101"},
-      {"left in field", [&](auto& r) { return ops->ShiftLeftBitRange(&r, 2, 4, 1); }, "0b00101010"},
-      {"right in field", [&](auto& r) { return ops->ShiftRightBitRange(&r, 1, 4, 1); }, "0b00001010"},
+      {"shift", "0b00010110", [&](auto& r) { return ops->ShiftLeft(&r, 2); }, "0x58"},
+      {"negative shift", "0b00010110", [&](auto& r) { return ops->ShiftLeft(&r, -2); }, "0x05"},
+      {"shift field left", "0b00010110", [&](auto& r) { return ops->ShiftLeftBitRange(&r, 2, 4, 1); }, "0x2a"},
+      {"shift field right", "0b00010110", [&](auto& r) { return ops->ShiftRightBitRange(&r, 1, 4, 1); }, "0x0a"},
+      // OR comes first in the numbering of the operations.
+      {"or", "20'hfffff", bitwise(VXT_BitwiseOperation_OR), "0xfffcf"},
+      {"and", "20'hfffff", bitwise(VXT_BitwiseOperation_AND), "0xff30f"},
+      {"xor", "20'hfffff", bitwise(VXT_BitwiseOperation_XOR), "0xffccf"},
+      {"grow by nothing", "8'ha5", [&](auto& r) { return ops->GrowSize(&r, 0); }, "0xa5"},
+      {"grow", "8'ha5", [&](auto& r) { return ops->GrowSize(&r, 60); }, "0x000000000000000a5"},
+      // Bits 4 to 35 the whole pattern, 36 to 43 its low eight bits.
+      {"pattern", "64'hffffffffffffffff", [&](auto& r) { return ops->SetBitRangeToPattern(&r, 4, 40, 0x89abcdef); },
+       "0xfffffef89abcdeff"},
+      {"pattern on nothing", "0x", [&](auto& r) { return ops->SetBitRangeToPattern(&r, 0, 0, 0x1); }, "0x"},
   };
   for (const Case& c : cases) {
-    const VXT_BitData record = Parse("0b00010110");
-    ASSERT_EQ(c.shift(record), VXT_SUCCESS) << c.what;
-    EXPECT_EQ(Binary(record), c.binary) << c.what;
+    VXT_BitData record = Parse(c.vector);
+    const uint64_t handle = record.dataHandle;
+    ASSERT_EQ(c.change(record), VXT_SUCCESS) << c.what << ": " << GetLastErrorMessage();
+    EXPECT_EQ(Hex(record), c.hex) << c.what;
+    EXPECT_EQ(Binary(record).size() - 2, record.bitSize) << c.what;
+    EXPECT_EQ(record.dataHandle, handle) << c.what;
   }
 }
 
@@ -382,30 +359,6 @@ TEST_F(BitDataOperationsTest, TheSameSeedGivesTheSameRandomBitsInANewVector) {
   EXPECT_EQ(Hex(first), Hex(second));
   EXPECT_NE(Hex(first), Hex(source));
   EXPECT_EQ(Hex(source), "0x" + std::string(50, '0'));
-}
-
-TEST_F(BitDataOperationsTest, GrowingKeepsTheHandleAndTheBits) {
-  VXT_BitData record = Make(8, 0xa5);
-  const uint64_t handle = record.dataHandle;
-  ASSERT_EQ(ops->GrowSize(&record, 0), VXT_SUCCESS);
-  EXPECT_EQ(record.bitSize, 8u);
-  ASSERT_EQ(ops->GrowSize(&record, 60), VXT_SUCCESS);
-  EXPECT_EQ(record.bitSize, 68u);
-  EXPECT_EQ(record.dataHandle, handle);
-  EXPECT_EQ(Hex(record), "0x000000000000000a5");
-}
-
-TEST_F(BitDataOperationsTest, APatternRepeatsInPiecesOf32BitsInsideTheFieldOnly) {
-  const VXT_BitData record = Make(64, ~uint64_t{0});
-  ClearTrace();
-  ASSERT_EQ(ops->SetBitRangeToPattern(&record, 4, 40, 0x89abcdef), VXT_SUCCESS);
-  uint64_t value = 0;
-  ASSERT_EQ(bits->ToUInt64(&record, 0, &value), VXT_SUCCESS);
-  // Bits 4 to 35 the whole pattern, 36 to 43 its low eight bits.
-  EXPECT_EQ(value, 0xfffffef89abcdeffu);
-
-  const VXT_BitData nothing = Make(0);
-  EXPECT_EQ(ops->SetBitRangeToPattern(&nothing, 0, 0, 0x1), VXT_SUCCESS);
 }
 
 // A client that changes bitSize in its record reaches no further than the
@@ -465,7 +418,19 @@ TEST_F(BitDataOperationsTest, TraceShowsEachFamilysArgumentsAndResults) {
     std::function<void()> call;
     std::vector<std::pair<uint32_t, std::string>> lines;
   };
+  char text[16];
+  const std::string toHex = "In  InProc_BitDataOperations::ToStringHexadecimal(bitData = " + held + " maxBufferSize = ";
   const Case cases[] = {
+      {[&] { ops->ToStringHexadecimal(&record, nullptr, 0, &u32); },
+       {{1, toHex + "0) [ClientID: 3]"},
+        {2,
+         "Out InProc_BitDataOperations::ToStringHexadecimal(buffer = <NULL> actualStringSize = 4) "
+         "ErrorCode = 0x00000000"}}},
+      {[&] { ops->ToStringHexadecimal(&record, text, sizeof text, &u32); },
+       {{1, toHex + "16) [ClientID: 3]"},
+        {2,
+         "Out InProc_BitDataOperations::ToStringHexadecimal(buffer = 0x28 actualStringSize = 4) "
+         "ErrorCode = 0x00000000"}}},
       {[&] { ops->FindFirst(&record, &u32); },
        {{1, "In  InProc_BitDataOperations::FindFirst(bitData = " + held + ") [ClientID: 3]"},
         {2, "Out InProc_BitDataOperations::FindFirst(result = 3) ErrorCode = 0x00000000"}}},

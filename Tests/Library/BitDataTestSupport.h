@@ -78,8 +78,12 @@ class BitDataServiceTest : public PlatformTest {
   }
 
   // The vector's text, as the hexadecimal or binary operation writes it.
-  std::string Hex(const VXT_BitData& record) { return Text(record, &IInternalService_BitDataOperations::ToStringHexadecimal); }
-  std::string Binary(const VXT_BitData& record) { return Text(record, &IInternalService_BitDataOperations::ToStringBinary); }
+  std::string Hex(const VXT_BitData& record) {
+    return Text(record, &IInternalService_BitDataOperations::ToStringHexadecimal);
+  }
+  std::string Binary(const VXT_BitData& record) {
+    return Text(record, &IInternalService_BitDataOperations::ToStringBinary);
+  }
 
   IInternalService_BitData* bits = nullptr;
   IInternalService_BitDataOperations* ops = nullptr;

@@ -52,8 +52,16 @@ class SharedMemoryTest : public vxt::test::PlatformTest {
   IInternalService_General* general = nullptr;
 };
 
+// A failed creation takes no handle and leaves no object behind.
 TEST_F(SharedMemoryTest, HandlesCountFromOneAndAreNotReused) {
-  uint64_t handle = 0;
+  uint64_t handle = 99;
+  EXPECT_EQ(general->AllocateSharedMemory(0, &handle), static_cast<VXT_Result>(0x8000000f));
+  EXPECT_EQ(handle, 0u);
+  const std::string message = GetLastErrorMessage();
+  EXPECT_EQ(message.rfind("Failed to create a shared memory region with the following identifier: '", 0), 0u)
+      << message;
+  EXPECT_FALSE(RegionExists(message.substr(message.find('\'') + 1, 63)));
+
   ASSERT_EQ(general->AllocateSharedMemory(64, &handle), 0);
   EXPECT_EQ(handle, 1u);
   ASSERT_EQ(general->AllocateSharedMemory(64, &handle), 0);
@@ -65,17 +73,6 @@ TEST_F(SharedMemoryTest, HandlesCountFromOneAndAreNotReused) {
   EXPECT_EQ(general->FreeSharedMemory(2), kInvalidHandle);
   EXPECT_STREQ(GetLastErrorMessage(),
                "InProc_General::FreeSharedMemory() Unknown shared memory region handle: 0x0000000000000002");
-}
-
-TEST_F(SharedMemoryTest, IdentifiersAreSixtyThreeLettersAndDigitsAndOwnerOnly) {
-  uint64_t handle = 0;
-  ASSERT_EQ(general->AllocateSharedMemory(4096, &handle), 0);
-  const std::string identifier = IdentifierOf(handle);
-  ASSERT_EQ(identifier.size(), 63u);
-  for (const char letter : identifier) EXPECT_TRUE(std::isalnum(static_cast<unsigned char>(letter))) << identifier;
-  const auto permissions = std::filesystem::status("/dev/shm/" + identifier).permissions();
-  EXPECT_EQ(permissions & std::filesystem::perms::all,
-            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 }
 
 // Each refusal, with its whole trace: In line, error line, the last error,
@@ -127,11 +124,16 @@ TEST_F(SharedMemoryTest, RefusalsGiveTheirMessagesAndTraceLines) {
   }
 }
 
+// Identifiers are 63 letters and digits; the region is its owner's only.
 TEST_F(SharedMemoryTest, AllocationIsTracedWithItsIdentifierAndHandle) {
   ClearTrace();
   uint64_t handle = 0;
   ASSERT_EQ(general->AllocateSharedMemory(32, &handle), 0);
   const std::string identifier = IdentifierOf(handle);
+  ASSERT_EQ(identifier.size(), 63u);
+  for (const char letter : identifier) EXPECT_TRUE(std::isalnum(static_cast<unsigned char>(letter))) << identifier;
+  EXPECT_EQ(std::filesystem::status("/dev/shm/" + identifier).permissions() & std::filesystem::perms::all,
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
   EXPECT_EQ(Trace(), (std::vector<std::string>{
                          "In  InProc_General::AllocateSharedMemory(memorySize = 32) [ClientID: 3]",
                          "Allocated a new shared memory region with identifier = '" + identifier +
@@ -150,20 +152,6 @@ TEST_F(SharedMemoryTest, ClientWhoseLocalityIsUnknownGetsNoRegion) {
   EXPECT_EQ(general->AllocateSharedMemory(64, &handle), kNotSupported);
   EXPECT_STREQ(GetLastErrorMessage(), "AllocateSharedMemory(): Failed to determine whether the client is local or not");
   EXPECT_EQ(handle, 0u);
-}
-
-TEST_F(SharedMemoryTest, FailedCreationLeavesNoHandleAndNoObject) {
-  uint64_t handle = 99;
-  EXPECT_EQ(general->AllocateSharedMemory(0, &handle), static_cast<VXT_Result>(0x8000000f));
-  EXPECT_EQ(handle, 0u);
-  const std::string message = GetLastErrorMessage();
-  EXPECT_EQ(message.rfind("Failed to create a shared memory region with the following identifier: '", 0), 0u)
-      << message;
-  const std::string identifier = message.substr(message.find('\'') + 1, 63);
-  EXPECT_FALSE(RegionExists(identifier));
-
-  ASSERT_EQ(general->AllocateSharedMemory(16, &handle), 0);
-  EXPECT_EQ(handle, 1u);
 }
 
 TEST_F(SharedMemoryTest, AnotherProcessSeesWhatThisOneWrote) {
