@@ -18,16 +18,12 @@ namespace vxt::test {
 namespace device {
 inline constexpr uint32_t kRoot = 0x01000000;
 inline constexpr uint32_t kDomain = 0x02000000;
-inline constexpr uint32_t kThread0_0 = 0x03000000;
-inline constexpr uint32_t kThread0_1 = 0x03000001;
-inline constexpr uint32_t kThread1_0 = 0x03000002;
 inline constexpr uint32_t kThread1_1 = 0x03000003;
 inline constexpr uint32_t kCore0 = 0x04000000;
 inline constexpr uint32_t kCore1 = 0x04000001;
 inline constexpr uint32_t kUncore = 0x05000000;
 inline constexpr uint32_t kPackage = 0x09000000;
 inline constexpr uint32_t kCoreGroup = 0x0b000000;
-inline constexpr uint32_t kDebugPort = 0x0c000000;
 inline constexpr uint32_t kChain = 0x0d000000;
 inline constexpr uint32_t kCpuTap = 0x0e000000;
 inline constexpr uint32_t kUnknown = 0x04000009;

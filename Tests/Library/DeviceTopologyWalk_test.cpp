@@ -59,45 +59,41 @@ class DescribedTree {
     return object.contains("identifier") ? Substituted(object["identifier"].get<std::string>()) : givenName;
   }
 
-  void Add(size_t depth, const std::string& type, const Json& object, const std::string& identifier, bool parentEnabled,
-           bool& enabled) {
-    enabled = parentEnabled && object.value("enabled", true);
+  std::string Numbered(const Json& object, const std::string& kind, Counters& counters) const {
+    return Identifier(object, kind + std::to_string(counters.Next(kind)));
+  }
+
+  // Adds the device's line; returns whether it is enabled.
+  bool Add(size_t depth, const std::string& type, const Json& object, const std::string& identifier,
+           bool parentEnabled) {
+    const bool enabled = parentEnabled && object.value("enabled", true);
     std::vector<std::pair<std::string, std::string>> properties;
     if (object.contains("properties"))
       for (const auto& [name, value] : object["properties"].items())
         properties.emplace_back(name, value.is_string() ? Substituted(value.get<std::string>()) : value.dump());
     lines_.push_back(DeviceLine(depth, type, identifier, enabled, properties));
+    return enabled;
   }
 
   void AddDomain(const Json& domain, size_t number) {
     Counters counters;
-    bool enabled = true;
-    Add(1, "TargetDomain", domain, Identifier(domain, "TargetDomain" + std::to_string(number)), true, enabled);
+    const bool enabled =
+        Add(1, "TargetDomain", domain, Identifier(domain, "TargetDomain" + std::to_string(number)), true);
     bool hasCores = false;
     for (const Json& package : domain.value("packages", Json::array())) {
-      bool packageEnabled = true;
-      Add(2, "LogicalPackage", package, Identifier(package, "Package" + std::to_string(counters.Next("Package"))),
-          enabled, packageEnabled);
+      const bool packageEnabled = Add(2, "LogicalPackage", package, Numbered(package, "Package", counters), enabled);
       for (const Json& die : package.value("dies", Json::array())) {
-        bool dieEnabled = true;
-        Add(3, "LogicalDie", die, Identifier(die, "Die" + std::to_string(counters.Next("Die"))), packageEnabled,
-            dieEnabled);
+        const bool dieEnabled = Add(3, "LogicalDie", die, Numbered(die, "Die", counters), packageEnabled);
         hasCores |= AddCoresAndUncores(die, 4, dieEnabled, counters);
       }
       hasCores |= AddCoresAndUncores(package, 3, packageEnabled, counters);
     }
-    for (const Json& chipset : domain.value("chipsets", Json::array())) {
-      bool unused = true;
-      Add(2, "LogicalChipset", chipset, Identifier(chipset, "Chipset" + std::to_string(counters.Next("Chipset"))),
-          enabled, unused);
-    }
+    for (const Json& chipset : domain.value("chipsets", Json::array()))
+      Add(2, "LogicalChipset", chipset, Numbered(chipset, "Chipset", counters), enabled);
     for (const Json& port : domain.value("debugPorts", Json::array())) AddDebugPort(port, enabled, counters);
     if (domain.contains("coreGroups")) {
-      for (const Json& group : domain["coreGroups"]) {
-        bool unused = true;
-        Add(2, "LogicalGroupCore", group, Identifier(group, "CoreGroup" + std::to_string(counters.Next("CoreGroup"))),
-            enabled, unused);
-      }
+      for (const Json& group : domain["coreGroups"])
+        Add(2, "LogicalGroupCore", group, Numbered(group, "CoreGroup", counters), enabled);
     } else if (hasCores) {
       lines_.push_back(DeviceLine(2, "LogicalGroupCore", "CoreGroup0", enabled, {}));
     }
@@ -109,41 +105,28 @@ class DescribedTree {
       for (size_t copy = 0; copy < core.value("count", 1u); ++copy) {
         any = true;
         const size_t coreNumber = counters.Next("Core");
-        bool coreEnabled = true;
-        Add(depth, "LogicalCore", core, Identifier(core, "Core" + std::to_string(coreNumber)), parentEnabled,
-            coreEnabled);
+        const bool coreEnabled =
+            Add(depth, "LogicalCore", core, Identifier(core, "Core" + std::to_string(coreNumber)), parentEnabled);
         const Json threads = core.value("threads", Json(1));
         const size_t threadCount = threads.is_array() ? threads.size() : threads.get<size_t>();
         for (size_t thread = 0; thread < threadCount; ++thread) {
           const Json object = threads.is_array() ? threads[thread] : Json::object();
-          bool unused = true;
           Add(depth + 1, "LogicalThread", object,
-              Identifier(object, "Thread" + std::to_string(coreNumber) + "_" + std::to_string(thread)), coreEnabled,
-              unused);
+              Identifier(object, "Thread" + std::to_string(coreNumber) + "_" + std::to_string(thread)), coreEnabled);
         }
       }
     }
-    for (const Json& uncore : parent.value("uncores", Json::array())) {
-      bool unused = true;
-      Add(depth, "LogicalUncore", uncore, Identifier(uncore, "Uncore" + std::to_string(counters.Next("Uncore"))),
-          parentEnabled, unused);
-    }
+    for (const Json& uncore : parent.value("uncores", Json::array()))
+      Add(depth, "LogicalUncore", uncore, Numbered(uncore, "Uncore", counters), parentEnabled);
     return any;
   }
 
   void AddDebugPort(const Json& port, bool domainEnabled, Counters& counters) {
-    bool enabled = true;
-    Add(2, "Debugport", port, Identifier(port, "DebugPort" + std::to_string(counters.Next("DebugPort"))), domainEnabled,
-        enabled);
+    const bool enabled = Add(2, "Debugport", port, Numbered(port, "DebugPort", counters), domainEnabled);
     for (const Json& chain : port.value("jtagChains", Json::array())) {
-      bool chainEnabled = true;
-      Add(3, "JTAGScanChain", chain, Identifier(chain, "JtagChain" + std::to_string(counters.Next("JtagChain"))),
-          enabled, chainEnabled);
-      for (const Json& tap : chain["tapControllers"]) {
-        bool unused = true;
-        Add(4, "TAPController", tap, Identifier(tap, "Tap" + std::to_string(counters.Next("Tap"))), chainEnabled,
-            unused);
-      }
+      const bool chainEnabled = Add(3, "JTAGScanChain", chain, Numbered(chain, "JtagChain", counters), enabled);
+      for (const Json& tap : chain["tapControllers"])
+        Add(4, "TAPController", tap, Numbered(tap, "Tap", counters), chainEnabled);
     }
     const std::pair<const char*, std::pair<const char*, const char*>> leaves[] = {
         {"i2cBuses", {"I2cBus", "I2cBus"}},
@@ -151,11 +134,8 @@ class DescribedTree {
         {"interfacePorts", {"InterfacePort", "InterfacePort"}},
     };
     for (const auto& [member, kind] : leaves) {
-      for (const Json& leaf : port.value(member, Json::array())) {
-        bool unused = true;
-        Add(3, kind.first, leaf, Identifier(leaf, kind.second + std::to_string(counters.Next(kind.second))), enabled,
-            unused);
-      }
+      for (const Json& leaf : port.value(member, Json::array()))
+        Add(3, kind.first, leaf, Numbered(leaf, kind.second, counters), enabled);
     }
   }
 

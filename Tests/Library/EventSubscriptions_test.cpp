@@ -23,37 +23,8 @@ constexpr VXT_Result kInvalidArgument = static_cast<VXT_Result>(0x80000001);
 template <class Function>
 std::string AddressText(Function* function) {
   char text[32];
-  std::snprintf(text, sizeof text, "0x%016llx",
-                static_cast<unsigned long long>(reinterpret_cast<uintptr_t>(function)));
+  std::snprintf(text, sizeof text, "0x%016llx", static_cast<unsigned long long>(reinterpret_cast<uintptr_t>(function)));
   return text;
-}
-
-// One operation of the service, called with a null callback.
-struct NullCall {
-  std::string operation;
-  bool isSubscribe;
-  std::function<VXT_Result(IInternalService_Event&)> call;
-};
-
-template <class Callback>
-NullCall SubscribeWithNull(const char* operation, VXT_Result (IInternalService_Event::*subscribe)(Callback, void*)) {
-  return {operation, true, [subscribe](IInternalService_Event& e) { return (e.*subscribe)(nullptr, Data(7)); }};
-}
-
-template <class Callback>
-NullCall UnsubscribeWithNull(const char* operation, VXT_Result (IInternalService_Event::*unsubscribe)(Callback)) {
-  return {operation, false, [unsubscribe](IInternalService_Event& e) { return (e.*unsubscribe)(nullptr); }};
-}
-
-// Representatives of the operations, which share one check.
-std::vector<NullCall> SomeOperations() {
-  using E = IInternalService_Event;
-  return {
-      SubscribeWithNull("SubscribeTargetEvents", &E::SubscribeTargetEvents),
-      UnsubscribeWithNull("UnsubscribeTargetEvents", &E::UnsubscribeTargetEvents),
-      SubscribeWithNull("SubscribeInterfacePortServiceReconfigEvents", &E::SubscribeInterfacePortServiceReconfigEvents),
-      UnsubscribeWithNull("UnsubscribeStatePortEvents", &E::UnsubscribeStatePortEvents),
-  };
 }
 
 class EventSubscriptionTest : public vxt::test::EventTest {
@@ -71,8 +42,21 @@ class EventSubscriptionTest : public vxt::test::EventTest {
   }
 };
 
+// Representatives of the operations, which share one check.
 TEST_F(EventSubscriptionTest, NullCallbacksAreRefusedTracedAndCounted) {
-  for (const NullCall& refused : SomeOperations()) {
+  struct NullCall {
+    std::string operation;
+    bool isSubscribe;
+    std::function<VXT_Result(IInternalService_Event&)> call;
+  };
+  const NullCall cases[] = {
+      {"SubscribeTargetEvents", true, [](auto& e) { return e.SubscribeTargetEvents(nullptr, Data(7)); }},
+      {"UnsubscribeTargetEvents", false, [](auto& e) { return e.UnsubscribeTargetEvents(nullptr); }},
+      {"SubscribeInterfacePortServiceReconfigEvents", true,
+       [](auto& e) { return e.SubscribeInterfacePortServiceReconfigEvents(nullptr, Data(7)); }},
+      {"UnsubscribeStatePortEvents", false, [](auto& e) { return e.UnsubscribeStatePortEvents(nullptr); }},
+  };
+  for (const NullCall& refused : cases) {
     SCOPED_TRACE(refused.operation);
     ClearTrace();
     const std::string message = "InProc_Event::" + refused.operation + "() argument error (callback) : Null pointer";
@@ -101,14 +85,14 @@ TEST_F(EventSubscriptionTest, SubscriptionsAreTracedWithTheCallbackAddress) {
   const auto callback = &Receive<0, VXT_RunControlEvent>;
   EXPECT_EQ(events->SubscribeRunControlEvents(callback, Data(0x2a)), 0);
   EXPECT_EQ(events->UnsubscribeRunControlEvents(callback), 0);
-  EXPECT_EQ(Trace(), (Strings{
-                         "In  InProc_Event::SubscribeRunControlEvents(callback = " + AddressText(callback) +
-                             " userData = 0x000000000000002a) [ClientID: 3]",
-                         "Out InProc_Event::SubscribeRunControlEvents() ErrorCode = 0x00000000 [ClientID: 3]",
-                         "In  InProc_Event::UnsubscribeRunControlEvents(callback = " + AddressText(callback) +
-                             ") [ClientID: 3]",
-                         "Out InProc_Event::UnsubscribeRunControlEvents() ErrorCode = 0x00000000 [ClientID: 3]",
-                     }));
+  EXPECT_EQ(Trace(),
+            (Strings{
+                "In  InProc_Event::SubscribeRunControlEvents(callback = " + AddressText(callback) +
+                    " userData = 0x000000000000002a) [ClientID: 3]",
+                "Out InProc_Event::SubscribeRunControlEvents() ErrorCode = 0x00000000 [ClientID: 3]",
+                "In  InProc_Event::UnsubscribeRunControlEvents(callback = " + AddressText(callback) + ") [ClientID: 3]",
+                "Out InProc_Event::UnsubscribeRunControlEvents() ErrorCode = 0x00000000 [ClientID: 3]",
+            }));
 }
 
 // A callback is on a list once: subscribing it again keeps its first
@@ -187,8 +171,7 @@ TEST_F(EventSubscriptionTest, EachFireReachesItsOwnList) {
       {with(&F::FireInterfacePortServiceReconfigEvent, &undefined), "undefined"},
       {with(&F::FireNotificationEvent, &notification), "Notification size=1304 type=1 client=8 ''"},
       {with(&F::FireSystemStallEvent, &stall), "SystemStall size=24 type=1 name='s' value=6"},
-      {with(&F::FireStatePortEvent, &statePort),
-       "StatePort size=48 type=1 device=2 port='p' value=3 first=4 second=5"},
+      {with(&F::FireStatePortEvent, &statePort), "StatePort size=48 type=1 device=2 port='p' value=3 first=4 second=5"},
   };
   for (const Case& event : cases) {
     SCOPED_TRACE(event.received);
