@@ -172,8 +172,8 @@ class EventTest : public PlatformTest {
     ASSERT_EQ(events->SubscribeBreakStateChangeEvents(&ReceiveUndefined<N>, userData), 0);
     ASSERT_EQ(events->SubscribeReconfigurationEvents(&Receive<N, VXT_ReconfigurationEvent>, userData), 0);
     ASSERT_EQ(events->SubscribeInterfacePortErrorEvents(&Receive<N, VXT_InterfacePortErrorEvent>, userData), 0);
-    ASSERT_EQ(
-        events->SubscribeInterfacePortStateChangeEvents(&Receive<N, VXT_InterfacePortStateChangeEvent>, userData), 0);
+    ASSERT_EQ(events->SubscribeInterfacePortStateChangeEvents(&Receive<N, VXT_InterfacePortStateChangeEvent>, userData),
+              0);
     ASSERT_EQ(events->SubscribeInterfacePortServiceReconfigEvents(&ReceiveUndefined<N>, userData), 0);
     ASSERT_EQ(events->SubscribeNotificationEvents(&Receive<N, VXT_NotificationEvent>, userData), 0);
     ASSERT_EQ(events->SubscribeSystemStallEvents(&Receive<N, VXT_SystemStallEvent>, userData), 0);
