@@ -13,7 +13,6 @@ namespace {
 
 namespace tc = voxtrel::testing;
 using namespace vxt::test::device;
-using vxt::test::kDeviceNotFound;
 using vxt::test::kInvalidArgument;
 
 class DeviceChecksTest : public vxt::test::DeviceTest {};
@@ -97,8 +96,6 @@ TEST_F(DeviceChecksTest, TheComponentsRefusalsReachTheClientTranslated) {
     std::string message;
   };
   const Case cases[] = {
-      {[&](auto& d) { return d.GetParentIdForDevice(kUnknown, &id); }, kDeviceNotFound,
-       "TargetManager.GetParentIdForDevice knows no device 0x04000009"},
       {[&](auto& d) { return d.GetNumDeviceIdsOfTypes(kCore0, 0, nullptr, &id); }, static_cast<VXT_Result>(0x80040007),
        "TargetManager.GetNumDeviceIdsOfTypes needs a TargetDomain or the LogicalRoot, and device 0x04000000 (Core0) "
        "is a LogicalCore"},
