@@ -8,6 +8,8 @@ packages=(
   libboost-dev libboost-thread-dev libboost-date-time-dev libboost-system-dev
   nlohmann-json3-dev libspdlog-dev libfmt-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
+  libunicorn-dev libzydis-dev libzycore-dev binutils libedit-dev
+  openocd gdb
 )
 
 missing=()
