@@ -6,8 +6,18 @@
 namespace vxt::cli {
 namespace {
 
+// The pieces of a line one after the other. Lines are built by appending
+// rather than with chains of std::string's operator+, about which some
+// compilers warn wrongly when optimizing.
+template <class... Pieces>
+std::string Join(const Pieces&... pieces) {
+  std::string line;
+  (line += ... += pieces);
+  return line;
+}
+
 // A text of a record in quotes; "-" when the record has none.
-std::string Text(const char* text) { return text == nullptr ? "-" : "'" + std::string(text) + "'"; }
+std::string Text(const char* text) { return text == nullptr ? "-" : Join('\'', text, '\''); }
 
 std::string Hex(uint64_t value, int digits) {
   char text[24];
@@ -15,11 +25,11 @@ std::string Hex(uint64_t value, int digits) {
   return text;
 }
 
-std::string Device(uint32_t deviceId) { return "device " + Hex(deviceId, 8); }
+std::string Device(uint32_t deviceId) { return Join("device ", Hex(deviceId, 8)); }
 
 // A type the records know by number only, or the number itself.
 std::string Known(const char* name, uint32_t value) {
-  return name != nullptr ? name : "type " + std::to_string(value);
+  return name != nullptr ? name : Join("type ", std::to_string(value));
 }
 
 const char* TargetEventName(uint32_t eventType) {
@@ -80,7 +90,7 @@ std::string EventLine(const VXT_TargetEvent& event) {
 }
 
 std::string EventLine(const VXT_MessageEvent& event) {
-  return "message type " + std::to_string(event.messageType) + ": " + Text(event.message);
+  return Join("message type ", std::to_string(event.messageType), ": ", Text(event.message));
 }
 
 std::string EventLine(const VXT_RunControlEvent& event) {
@@ -93,32 +103,32 @@ std::string EventLine(const VXT_RunControlEvent& event) {
 }
 
 std::string EventLine(const VXT_ReconfigurationEvent& event) {
-  return "reconfiguration " + Known(ReconfigurationEventName(event.eventType), event.eventType) + ", devices " +
-         (event.devicesHaveChanged != 0 ? "changed" : "unchanged");
+  return Join("reconfiguration ", Known(ReconfigurationEventName(event.eventType), event.eventType), ", devices ",
+              event.devicesHaveChanged != 0 ? "changed" : "unchanged");
 }
 
 std::string EventLine(const VXT_InterfacePortErrorEvent& event) {
-  return "interface port " + Hex(event.interfacePortId, 8) + " error " + Hex(event.errorValue, 16);
+  return Join("interface port ", Hex(event.interfacePortId, 8), " error ", Hex(event.errorValue, 16));
 }
 
 std::string EventLine(const VXT_InterfacePortStateChangeEvent& event) {
-  return "interface port " + Hex(event.interfacePortId, 8) + " state change " +
-         std::to_string(event.firstStateValue) + ", " + std::to_string(event.secondStateValue);
+  return Join("interface port ", Hex(event.interfacePortId, 8), " state change ",
+              std::to_string(event.firstStateValue), ", ", std::to_string(event.secondStateValue));
 }
 
 std::string EventLine(const VXT_NotificationEvent& event) {
-  return "client " + std::to_string(event.client.clientId) + ' ' + Text(event.client.identifier) + ' ' +
-         Known(NotificationEventName(event.eventType), event.eventType);
+  return Join("client ", std::to_string(event.client.clientId), ' ', Text(event.client.identifier), ' ',
+              Known(NotificationEventName(event.eventType), event.eventType));
 }
 
 std::string EventLine(const VXT_SystemStallEvent& event) {
-  return "system stall " + Text(event.stallName) + ' ' + Known(SystemStallEventName(event.eventType), event.eventType) +
-         ", value " + std::to_string(event.stallValue);
+  return Join("system stall ", Text(event.stallName), ' ', Known(SystemStallEventName(event.eventType), event.eventType),
+              ", value ", std::to_string(event.stallValue));
 }
 
 std::string EventLine(const VXT_StatePortEvent& event) {
-  return "state port " + Text(event.statePortName) + " of " + Device(event.deviceId) + " changed to " +
-         std::to_string(event.portValue) + " (" + Hex(event.firstValue, 16) + ", " + Hex(event.secondValue, 16) + ")";
+  return Join("state port ", Text(event.statePortName), " of ", Device(event.deviceId), " changed to ",
+              std::to_string(event.portValue), " (", Hex(event.firstValue, 16), ", ", Hex(event.secondValue, 16), ")");
 }
 
 }  // namespace vxt::cli

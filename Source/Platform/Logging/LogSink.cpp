@@ -5,11 +5,11 @@
 #include <system_error>
 
 #include <spdlog/details/log_msg.h>
-#include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
 
 #include "Error.h"
 #include "Logging.h"
+#include "Logging/DurableFileSink.h"
 #include "Logging/LogFile.h"
 
 namespace voxtrel::platform::logging {
@@ -84,7 +84,7 @@ void LogSink::SetFormat() { sink_->set_pattern(rawFormat_ ? kRawPattern : kDecor
 uint32_t LogSink::Reopen(bool truncate) {
   sink_.reset();
   try {
-    sink_ = std::make_unique<spdlog::sinks::basic_file_sink_st>(path_, truncate);
+    sink_ = std::make_unique<DurableFileSink>(path_, truncate);
     SetFormat();
     return 0;
   } catch (const std::exception& error) {
@@ -101,9 +101,9 @@ void LogSink::Write(std::string_view name, int spdlogLevel, std::string_view tex
       sink_->log(spdlog::details::log_msg(name, level, text));
       return;
     }
-    std::string indented(static_cast<size_t>(depth) * 2, ' ');
-    indented.append(text);
-    sink_->log(spdlog::details::log_msg(name, level, indented));
+    indented_.assign(static_cast<size_t>(depth) * 2, ' ');
+    indented_.append(text);
+    sink_->log(spdlog::details::log_msg(name, level, indented_));
   } catch (const std::exception&) {
     // A full disk must not take the caller down; the line is lost.
   }

@@ -1,5 +1,6 @@
 // Where trace and usage lines are written, through a spdlog sink: the log
-// file, or standard error when there is none. While a trace capture runs,
+// file, or standard error when there is none. Either way a line reaches the
+// operating system before the call that wrote it returns. While a trace capture runs,
 // lines meant for standard error are kept in the capture only, so tests stay
 // quiet; a log file is written as always.
 #pragma once
@@ -43,6 +44,7 @@ class LogSink {
   std::string path_;  // Empty: standard error
   bool rawFormat_ = false;
   std::unique_ptr<spdlog::sinks::sink> sink_;
+  std::string indented_;  // The text of an indented line, reused under mutex_
 };
 
 }  // namespace voxtrel::platform::logging
