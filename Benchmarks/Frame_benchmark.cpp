@@ -1,7 +1,12 @@
 // What the call frame costs a client: the same component call made directly,
-// through a service with its trace levels off, with every level on (lines
-// written to a raw log file), and a call that fails its first check.
+// through a service with its trace levels off (from one thread and from two
+// clients' threads at once), with every level on (lines written to a raw log
+// file, each handed to the system before the call returns), spdlog writing
+// the same lines to a file with the same durability, and a call that fails
+// its first check.
 #include <benchmark/benchmark.h>
+#include <spdlog/logger.h>
+#include <spdlog/sinks/basic_file_sink.h>
 
 #include <cstdint>
 #include <cstdio>
@@ -66,6 +71,42 @@ void BM_ServiceCall(benchmark::State& state) {
   general->ClearLogs();  // Keeps the file small between runs
 }
 BENCHMARK(BM_ServiceCall)->ArgName("lowestLevel")->Arg(5)->Arg(1);
+
+// The trace-off call from each of several threads at once, each thread a
+// client of its own: the frame takes no lock and writes nothing shared, so
+// the calls per second should grow with the threads.
+void BM_ServiceCallThreads(benchmark::State& state) {
+  IInternalService_General* general = Connected().general;
+  tc::SetLogLevel(5);
+  BenchmarkClient client(100 + static_cast<uint32_t>(state.thread_index()), "benchmark_thread@localhost");
+  uint32_t count = 0;
+  for (auto _ : state) {
+    general->GetNumConnectedClients(&count);
+    benchmark::DoNotOptimize(count);
+  }
+  state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(BM_ServiceCallThreads)->Threads(1)->Threads(2)->UseRealTime();
+
+// What a user would pick instead of the library's trace: spdlog's file sink,
+// flushed after every line so that a crash loses none, writing the In and
+// Out lines of the same call.
+void BM_SpdlogSameLinesFlushedEachLine(benchmark::State& state) {
+  const std::string path = "/tmp/vxt_frame_benchmark_spdlog_" + std::to_string(getpid()) + ".log";
+  auto sink = std::make_shared<spdlog::sinks::basic_file_sink_st>(path, true);
+  spdlog::logger logger("VxtInterface", sink);
+  logger.set_pattern("%v");
+  logger.set_level(spdlog::level::trace);
+  logger.flush_on(spdlog::level::trace);
+  const uint32_t count = 1;
+  for (auto _ : state) {
+    logger.trace("In  InProc_General::{}() [ClientID: {}]", "GetNumConnectedClients", 1);
+    logger.trace("Out InProc_General::{}(numConnectedClients = {}) ErrorCode = 0x{:08x} [ClientID: {}]",
+                 "GetNumConnectedClients", count, 0, 1);
+  }
+  std::remove(path.c_str());
+}
+BENCHMARK(BM_SpdlogSameLinesFlushedEachLine);
 
 // A refused null pointer: message, translation and the thread's last error.
 void BM_FailingCallTraceOff(benchmark::State& state) {

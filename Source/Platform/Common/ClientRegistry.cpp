@@ -27,6 +27,7 @@ const ClientRegistry::Entry* ClientRegistry::EntryOf(uint64_t registration) cons
 void ClientRegistry::Register(const VXT_Client& record) {
   const std::lock_guard lock(mutex_);
   entries_.push_back({++lastRegistration_, record});
+  count_.store(entries_.size(), std::memory_order_release);
   threadRegistration = lastRegistration_;
 }
 
@@ -40,6 +41,7 @@ std::optional<VXT_Client> ClientRegistry::Unregister(uint32_t clientId) {
   if (found == entries_.end()) return std::nullopt;
   VXT_Client removed = found->record;
   entries_.erase(found);
+  count_.store(entries_.size(), std::memory_order_release);
   return removed;
 }
 
@@ -55,11 +57,6 @@ bool ClientRegistry::BindThread(uint32_t clientId) {
                                    [&](const Entry& entry) { return entry.record.clientId == clientId; });
   threadRegistration = newest == entries_.rend() ? 0 : newest->registration;
   return threadRegistration != 0;
-}
-
-size_t ClientRegistry::Count() const {
-  const std::lock_guard lock(mutex_);
-  return entries_.size();
 }
 
 std::vector<VXT_Client> ClientRegistry::Records(size_t max) const {

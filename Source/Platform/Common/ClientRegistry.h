@@ -7,6 +7,7 @@
 // acts for no client, even if the id is registered again by another thread.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <mutex>
@@ -33,7 +34,9 @@ class ClientRegistry {
   // and unbound if there is none.
   bool BindThread(uint32_t clientId);
 
-  size_t Count() const;
+  // Reads no lock, so that a count asked from many threads does not make
+  // them wait on each other.
+  size_t Count() const { return count_.load(std::memory_order_acquire); }
   // The first `max` records in order of registration.
   std::vector<VXT_Client> Records(size_t max) const;
   // The newest record of the id.
@@ -50,6 +53,7 @@ class ClientRegistry {
   mutable std::mutex mutex_;
   uint64_t lastRegistration_ = 0;
   std::vector<Entry> entries_;
+  std::atomic<size_t> count_{0};  // entries_.size(), written under mutex_
 };
 
 }  // namespace voxtrel::platform::common

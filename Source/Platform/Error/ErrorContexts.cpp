@@ -8,36 +8,56 @@ namespace voxtrel::platform::error {
 namespace {
 
 struct Context {
-  uint64_t id = 0;
+  explicit Context(uint64_t contextId) : id(contextId) {}
+  uint64_t id;
   ContextState state;
 };
 using ContextStack = std::vector<Context>;
 
-std::atomic<uint64_t> nextId{1};
+// Ids are handed to threads in blocks, so that entering a context writes
+// nothing shared: a thread takes a new block once in a million contexts.
+constexpr uint64_t kIdBlock = uint64_t{1} << 20;
+std::atomic<uint64_t> nextBlock{1};
 
-// The stack lives on the heap behind trivially destructible thread-locals, so
-// that a call during the thread's or the process's end (from a static
-// destructor) finds no destroyed object: once the owner below has gone, the
-// thread simply has no contexts any more.
-thread_local ContextStack* threadStack = nullptr;
-thread_local bool threadEnded = false;
+// What a thread holds, in one trivially destructible thread-local, so that
+// it costs one look-up and a call during the thread's or the process's end
+// (from a static destructor) finds no destroyed object. The stack lives on
+// the heap; once the owner below has gone, the thread simply has no
+// contexts any more.
+struct ThreadContexts {
+  ContextStack* stack = nullptr;
+  bool ended = false;
+  uint64_t nextId = 0;
+  uint64_t blockEnd = 0;
+};
+thread_local ThreadContexts self;
 
 struct StackOwner {
   ~StackOwner() {
-    delete threadStack;
-    threadStack = nullptr;
-    threadEnded = true;
+    delete self.stack;
+    self.stack = nullptr;
+    self.ended = true;
   }
 };
 thread_local StackOwner stackOwner;
 
-ContextStack* ThreadStack() {
-  if (threadStack == nullptr && !threadEnded) {
-    threadStack = new ContextStack;
+// The thread's stack, made on first use; null once the thread is ending.
+ContextStack* ThreadStack(ThreadContexts& thread) {
+  if (thread.stack == nullptr && !thread.ended) {
+    thread.stack = new ContextStack;
+    thread.stack->reserve(8);
     // Touching the owner registers its destructor for this thread.
     [[maybe_unused]] StackOwner* owner = &stackOwner;
   }
-  return threadStack;
+  return thread.stack;
+}
+
+uint64_t NextId(ThreadContexts& thread) {
+  if (thread.nextId == thread.blockEnd) {
+    thread.nextId = nextBlock.fetch_add(1, std::memory_order_relaxed) * kIdBlock;
+    thread.blockEnd = thread.nextId + kIdBlock;
+  }
+  return thread.nextId++;
 }
 
 Context* Find(ContextStack& stack, uint64_t id) {
@@ -47,21 +67,29 @@ Context* Find(ContextStack& stack, uint64_t id) {
 
 }  // namespace
 
+// Every call of the library enters and exits a context: each looks up the
+// thread's data once.
 uint64_t EnterContext() {
-  const uint64_t id = nextId.fetch_add(1, std::memory_order_relaxed);
-  if (ContextStack* stack = ThreadStack()) stack->push_back({id, {}});
+  ThreadContexts& thread = self;
+  const uint64_t id = NextId(thread);
+  if (ContextStack* stack = ThreadStack(thread)) stack->emplace_back(id);
   return id;
 }
 
 void ExitContext(uint64_t id) {
-  ContextStack* stack = ThreadStack();
-  if (stack == nullptr) return;
+  ContextStack* stack = self.stack;
+  if (stack == nullptr || stack->empty()) return;
+  // Contexts close in the order they opened, nearly always.
+  if (stack->back().id == id) {
+    stack->pop_back();
+    return;
+  }
   const auto found = std::find_if(stack->begin(), stack->end(), [&](const Context& c) { return c.id == id; });
   stack->erase(found, stack->end());
 }
 
 void Post(uint32_t code, const char* text) {
-  ContextStack* stack = ThreadStack();
+  ContextStack* stack = ThreadStack(self);
   if (stack == nullptr || stack->empty()) return;
   ContextState& state = stack->back().state;
   if (state.code == 0) state.code = code;
@@ -71,7 +99,7 @@ void Post(uint32_t code, const char* text) {
 }
 
 const ContextState* StateOf(uint64_t id) {
-  ContextStack* stack = ThreadStack();
+  ContextStack* stack = ThreadStack(self);
   if (stack == nullptr) return nullptr;
   const Context* context = Find(*stack, id);
   return context != nullptr ? &context->state : nullptr;

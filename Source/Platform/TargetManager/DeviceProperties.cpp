@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Support/ComponentCall.h"
+#include "Target/CallArguments.h"
 #include "TargetManager/DeviceQueries.h"
 #include "TargetManager/Request.h"
 
@@ -52,7 +53,7 @@ uint32_t GetDevicePropertyNames(uint32_t deviceId, uint32_t maxPropertyNames, VX
 
 uint32_t GetDeviceProperty(uint32_t deviceId, const char* propertyName, char* propertyValue) {
   VOXTREL_COMPONENT_CALL("TargetManager.GetDeviceProperty", "deviceId=", HexId(deviceId), ", propertyName=",
-                         propertyName ? "\"" + std::string(NameText(propertyName)) + "\"" : "<NULL>");
+                         propertyName ? target::QuotedArgument(NameText(propertyName)) : "<NULL>");
   Request request("TargetManager.GetDeviceProperty");
   const Node* device =
       request.NotNull(propertyName, "propertyName").NotNull(propertyValue, "propertyValue").Device(deviceId);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Support/ComponentCall.h"
+#include "Target/CallArguments.h"
 #include "TargetManager/DeviceQueries.h"
 #include "TargetManager/Request.h"
 
@@ -242,7 +243,7 @@ uint32_t GetDeviceIdForIdentifier(uint32_t targetDomainId, const char* identifie
   const std::string_view wanted =
       identifier ? std::string_view(identifier, strnlen(identifier, VXT_DEVICE_IDENTIFIER_SIZE)) : std::string_view();
   VOXTREL_COMPONENT_CALL("TargetManager.GetDeviceIdForIdentifier", "targetDomainId=", HexId(targetDomainId),
-                         ", identifier=", identifier ? "\"" + std::string(wanted) + "\"" : "<NULL>");
+                         ", identifier=", identifier ? target::QuotedArgument(wanted) : "<NULL>");
   Request request("TargetManager.GetDeviceIdForIdentifier");
   const Node* domain =
       DomainOrRoot(request.NotNull(identifier, "identifier").NotNull(deviceId, "deviceId"), targetDomainId);
