@@ -12,7 +12,7 @@
 #include "Common.h"
 #include "Logging.h"
 #include "frame/ServiceLogger.h"
-#include "frame/TextStream.h"
+#include "frame/LineStream.h"
 
 namespace vxt::frame {
 
@@ -40,9 +40,9 @@ inline constexpr ClientIdTrailer kTrailer{};
 
 template <class... Pieces>
 void RenderAndLog(const ServiceLogger& logger, uint32_t level, int32_t nesting, const Pieces&... pieces) {
-  TextStream line;
-  (line << ... << pieces);
-  Voxtrel_LoggingLog(logger.handle, level, line.str().c_str(), nesting);
+  LineStream line;
+  (line.stream() << ... << pieces);
+  Voxtrel_LoggingLog(logger.handle, level, line.c_str(), nesting);
 }
 
 template <class... Pieces>
