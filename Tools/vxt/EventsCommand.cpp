@@ -5,6 +5,9 @@
 // before connecting and taken back after disconnecting: the client's own
 // arrival and departure show too.
 //
+// In a shell session the session's connection is already there, and only
+// the events after the command starts show.
+//
 // Stopping: SIGINT and SIGTERM are blocked before the library starts any
 // thread, so every thread inherits the mask and the signal stays pending
 // until the main thread takes it with sigwait. No signal handler runs; the
@@ -127,18 +130,12 @@ int WaitForStopSignal(const sigset_t& signals) {
   return signal;
 }
 
-IInternalService_Event& EventService() {
-  void* service = nullptr;
-  Check(GetService(nullptr, VXT_Service_Event, &service), "GetService(" + std::to_string(VXT_Service_Event) + ")");
-  return *static_cast<IInternalService_Event*>(service);
-}
-
 int ListenForEvents(const SessionOptions& options, std::ostream& out) {
   const sigset_t stopSignals = StopSignals();
   pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
 
   Printer printer(out);
-  const Subscriptions subscriptions(EventService(), printer);
+  const Subscriptions subscriptions(Session::Get<IInternalService_Event>(VXT_Service_Event), printer);
   int stopSignal = 0;
   {
     Session session(options);
@@ -147,7 +144,9 @@ int ListenForEvents(const SessionOptions& options, std::ostream& out) {
     stopSignal = WaitForStopSignal(stopSignals);
     printer.PrintNote(std::string("Stopping on ") + (stopSignal == SIGINT ? "SIGINT" : "SIGTERM") + '.');
   }
-  printer.PrintNote("Disconnected after " + std::to_string(printer.events()) + " events.");
+  // In a shell session the connection outlives the command.
+  printer.PrintNote((options.lasting ? "Stopped after " : "Disconnected after ") + std::to_string(printer.events()) +
+                    " events.");
   return 0;
 }
 
