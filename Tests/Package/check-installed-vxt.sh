@@ -19,6 +19,6 @@ fail() { echo "check-installed-vxt: $*" >&2; exit 1; }
 listed=$(vxt configs) || fail "vxt configs failed"
 grep -qx OnlyInTheMovedPrefix <<<"$listed" || fail "vxt configs does not list the moved prefix's configurations: $listed"
 
-info=$(vxt --config OnlyInTheMovedPrefix info) || fail "vxt info failed"
+info=$(vxt info --config OnlyInTheMovedPrefix) || fail "vxt info failed"
 grep -q '^  0x02000000  Server  (packages: 2, ' <<<"$info" || fail "vxt info does not show the selected target: $info"
 echo "check-installed-vxt: the installed vxt runs from $moved"
