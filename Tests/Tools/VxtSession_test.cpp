@@ -38,6 +38,12 @@ TEST(VxtSession, CommandsShareOneConnection) {
   EXPECT_EQ(Count(run.output, "] In InProc_Vxt::FinishInitialization() [ClientID: "), 1u) << run.output;
   EXPECT_EQ(Count(run.output, "] Out InProc_Vxt::Disconnect() ErrorCode = 0x00000000\n"), 1u) << run.output;
   EXPECT_EQ(Count(run.output, "Connected clients: 1\n"), 2u) << run.output;
+
+  // A preset one command loads stays loaded for the next.
+  const VxtRun presets = RunVxt("-e 'bits 0x1 --as hex; info --preset Errors; info'");
+  EXPECT_EQ(presets.exitStatus, 0) << presets.output;
+  EXPECT_EQ(Count(presets.output, "Logging presets:  Default Trace InterfaceTrace Errors* Off  (* loaded)\n"), 2u)
+      << presets.output;
 }
 
 TEST(VxtSession, ScriptsRunInOrderAndStopAtTheFirstFailure) {
@@ -55,6 +61,10 @@ TEST(VxtSession, ScriptsRunInOrderAndStopAtTheFirstFailure) {
       {"-e 'bits 0x1 --as hex --config TwoSocketServer; topology --config HostWithBmc'", 1,
        "0x1\nvxt: this session's target is 'TwoSocketServer'; start another session for 'HostWithBmc'\n"
        "vxt: -e:1: stopped at the first failing command\n"},
+      // A quoted ';' stays in its argument.
+      {"-e \"info --config '/no;such.json'\"", 1,
+       "vxt: SelectConfigurationByFileName failed with 0x80000014: Target description file '/no;such.json' does not "
+       "exist\nvxt: -e:1: stopped at the first failing command\n"},
       {"shell " + quits, 0, kConfigs + "0x3\n"},
       {"shell < " + quits, 0, kConfigs + "0x3\n"},
       {"shell " + fails, 2,
@@ -113,10 +123,10 @@ TEST(VxtSession, TheShellCompletesRecallsAndGoesOnAfterAFailure) {
   terminal.WaitFor("vxt>");
   terminal.Type("'lock Nope' Enter");
   terminal.WaitFor("vxt: no device is named 'Nope'\nvxt>");
-  terminal.Type("conf Tab Enter");
+  terminal.Type("conf Tab '-c Two' Tab Enter");
   terminal.WaitFor("TwoSocketServer\nvxt>");
   terminal.Type("C-p C-p Enter");  // Two lines back: the failing lock.
-  const std::string session = "vxt> lock Nope\nvxt: no device is named 'Nope'\nvxt> configs\n" + kConfigs +
+  const std::string session = "vxt> lock Nope\nvxt: no device is named 'Nope'\nvxt> configs -c TwoSocketServer\n" + kConfigs +
                               "vxt> lock Nope\nvxt: no device is named 'Nope'\nvxt>\n";
   const std::string screen = terminal.WaitFor(session);
   EXPECT_NE(screen.find(session), std::string::npos) << screen;

@@ -43,15 +43,32 @@ char* NextCommandName(const char* text, int state) {
   return NextCompletion(names, text, state);
 }
 
+// Asked once a completion, so that a configuration file added during the
+// session is offered; a refusal offers nothing.
+char* NextConfigurationName(const char* text, int state) {
+  static std::vector<std::string> names;
+  if (state == 0) {
+    try {
+      names = AvailableConfigurations();
+    } catch (const CallFailed&) {
+      names.clear();
+    }
+  }
+  return NextCompletion(names, text, state);
+}
+
 // A command name where a command starts (at the start of the line, after
-// ';' or after "help"); elsewhere libedit's own completion of file names.
+// ';' or after "help"), a configuration name after --config; elsewhere
+// libedit's own completion of file names.
 char** Complete(const char* text, int start, int) {
   std::string before(rl_line_buffer, static_cast<size_t>(start));
   if (const size_t separator = before.rfind(';'); separator != std::string::npos) before.erase(0, separator + 1);
   std::istringstream wordStream(before);
   const std::vector<std::string> words{std::istream_iterator<std::string>(wordStream), {}};
-  const bool atCommand = words.empty() || (words.size() == 1 && words.front() == "help");
-  return atCommand ? rl_completion_matches(text, &NextCommandName) : nullptr;
+  if (words.empty() || (words.size() == 1 && words.front() == "help"))
+    return rl_completion_matches(text, &NextCommandName);
+  if (words.back() == "-c" || words.back() == "--config") return rl_completion_matches(text, &NextConfigurationName);
+  return nullptr;
 }
 
 std::string HistoryFile() {

@@ -33,6 +33,16 @@ void Check(VXT_Result code, const std::string& call) {
   if (code != VXT_SUCCESS) throw CallFailed(call, code);
 }
 
+std::vector<std::string> AvailableConfigurations() {
+  uint32_t count = 0;
+  Check(GetAvailableConfigurationCount(&count), "GetAvailableConfigurationCount");
+  std::vector<VXT_ConfigurationName> names(count);
+  if (count > 0) Check(GetAvailableConfigurations(count, names.data()), "GetAvailableConfigurations");
+  std::vector<std::string> texts;
+  for (const VXT_ConfigurationName& name : names) texts.emplace_back(name.name);
+  return texts;
+}
+
 void SelectConfiguration(const std::string& configuration) {
   if (configuration.empty()) return;
   if (LooksLikeAPath(configuration)) {

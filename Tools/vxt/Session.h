@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "InProc_Vxt.h"
 
@@ -89,6 +90,9 @@ class Session {
   std::unique_ptr<Connection> own_;
   Connection* connection_;
 };
+
+// The names of the configurations on offer; no connection needed.
+std::vector<std::string> AvailableConfigurations();
 
 // Selects a configuration by name, or by file when it looks like a path.
 void SelectConfiguration(const std::string& configuration);
