@@ -61,6 +61,10 @@ TEST(VxtSession, ScriptsRunInOrderAndStopAtTheFirstFailure) {
       {"-e 'bits 0x1 --as hex --config TwoSocketServer; topology --config HostWithBmc'", 1,
        "0x1\nvxt: this session's target is 'TwoSocketServer'; start another session for 'HostWithBmc'\n"
        "vxt: -e:1: stopped at the first failing command\n"},
+      {"-e 'help frob'", 2,
+       "vxt: unknown command or argument 'frob'\nRun with --help for more information.\n"
+       "vxt: -e:1: stopped at the first failing command\n"},
+      {"-e '--trace'", 2, "vxt: no command; 'help' lists the commands\nvxt: -e:1: stopped at the first failing command\n"},
       // A quoted ';' stays in its argument.
       {"-e \"info --config '/no;such.json'\"", 1,
        "vxt: SelectConfigurationByFileName failed with 0x80000014: Target description file '/no;such.json' does not "

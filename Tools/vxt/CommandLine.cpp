@@ -65,7 +65,8 @@ std::optional<int> CommandLine::Check(std::ostream& err) {
     return kExitBadCommandLine;
   }
   if (Parsed() == nullptr && !startsShell() && !commands()) {
-    err << app_.help();
+    // A session's line of options alone is a slip; the usage would bury it.
+    err << (shell_ != nullptr ? app_.help() : "vxt: no command; 'help' lists the commands\n");
     return kExitBadCommandLine;
   }
   return std::nullopt;

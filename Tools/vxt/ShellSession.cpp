@@ -17,12 +17,17 @@ std::string Trimmed(const std::string& text) {
   return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
 }
 
-// "help" and "help CMD" are the command line's own help.
+// "help" and "help CMD" are the command line's own help; "help" of what is
+// no command is refused as that command would be.
 std::string AsHelpRequest(const std::string& command) {
   std::istringstream words(command);
-  std::string first, topic;
-  words >> first >> topic;
-  return topic.empty() ? "--help" : topic + " --help";
+  std::string help, topic;
+  words >> help >> topic;
+  if (topic.empty()) return "--help";
+  const std::vector<Command>& commands = RegisteredCommands();
+  const bool known = std::any_of(commands.begin(), commands.end(),
+                                 [&](const Command& registered) { return registered.name == topic; });
+  return known ? topic + " --help" : topic;
 }
 
 bool StartsWithWord(const std::string& command, const std::string& word) {
