@@ -12,7 +12,6 @@
 // thread, so every thread inherits the mask and the signal stays pending
 // until the main thread takes it with sigwait. No signal handler runs; the
 // command then leaves the library with an ordinary Disconnect.
-#include <pthread.h>
 #include <signal.h>
 
 #include <cstdint>
@@ -24,6 +23,7 @@
 
 #include "CommandRegistry.h"
 #include "EventLines.h"
+#include "StopSignals.h"
 
 namespace vxt::cli {
 namespace {
@@ -115,24 +115,8 @@ class Subscriptions {
   std::vector<std::function<void()>> unsubscribes_;
 };
 
-sigset_t StopSignals() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGINT);
-  sigaddset(&signals, SIGTERM);
-  return signals;
-}
-
-int WaitForStopSignal(const sigset_t& signals) {
-  int signal = 0;
-  while (sigwait(&signals, &signal) != 0) {
-  }
-  return signal;
-}
-
 int ListenForEvents(const SessionOptions& options, std::ostream& out) {
-  const sigset_t stopSignals = StopSignals();
-  pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
+  BlockStopSignals();
 
   Printer printer(out);
   const Subscriptions subscriptions(Session::Get<IInternalService_Event>(VXT_Service_Event), printer);
@@ -141,7 +125,7 @@ int ListenForEvents(const SessionOptions& options, std::ostream& out) {
     Session session(options);
     printer.PrintNote("Listening for events as client " + std::to_string(session.clientId()) +
                       "; Ctrl-C to stop.");
-    stopSignal = WaitForStopSignal(stopSignals);
+    stopSignal = WaitForStopSignal();
     printer.PrintNote(std::string("Stopping on ") + (stopSignal == SIGINT ? "SIGINT" : "SIGTERM") + '.');
   }
   // In a shell session the connection outlives the command.

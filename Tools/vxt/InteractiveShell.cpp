@@ -6,7 +6,6 @@
 // Ctrl-C; `events` takes Ctrl-C with sigwait to stop, as it does outside a
 // session. A Ctrl-C typed at the prompt is discarded before the next line;
 // Ctrl-D or `quit` ends the session.
-#include <signal.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -21,6 +20,7 @@
 #include <editline/readline.h>
 
 #include "ShellSession.h"
+#include "StopSignals.h"
 
 namespace vxt::cli {
 namespace {
@@ -76,23 +76,8 @@ std::string HistoryFile() {
   return home != nullptr && *home != '\0' ? std::string(home) + "/.vxt_history" : std::string();
 }
 
-sigset_t StopSignals() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGINT);
-  sigaddset(&signals, SIGTERM);
-  return signals;
-}
-
-void DiscardPendingStopSignals(const sigset_t& signals) {
-  const timespec now{};
-  while (sigtimedwait(&signals, nullptr, &now) > 0) {
-  }
-}
-
 int RunInteractive(const SessionOptions& options) {
-  const sigset_t stopSignals = StopSignals();
-  pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
+  BlockStopSignals();
   rl_readline_name = "vxt";
   rl_attempted_completion_function = &Complete;
   const std::string history = HistoryFile();
@@ -103,7 +88,7 @@ int RunInteractive(const SessionOptions& options) {
   ShellSession session(options);
   std::cout << "vxt shell: 'help' lists the commands, 'quit' or Ctrl-D ends the session.\n";
   for (;;) {
-    DiscardPendingStopSignals(stopSignals);
+    DiscardPendingStopSignals();
     const std::unique_ptr<char, decltype(&std::free)> line(readline("vxt> "), &std::free);
     if (!line) break;
     if (*line.get() != '\0') add_history(line.get());
