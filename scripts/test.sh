@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Builds and runs every test: the developer build, the AddressSanitizer +
 # UndefinedBehaviorSanitizer build, and the concurrency tests under
-# ThreadSanitizer; and a client built against the installed package.
+# ThreadSanitizer; a client built against the installed package, and the
+# installed vxt run from a moved prefix.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-dependencies.sh
@@ -24,11 +25,12 @@ for preset in dev asan tsan; do
   echo "=== ${preset}: test"
   ctest --preset "$preset" -j "$jobs"
   if [[ $preset == dev ]]; then
-    echo "=== dev: install and build a client against the package"
+    echo "=== dev: install, build a client against the package, run the installed vxt from a moved prefix"
     rm -rf build/package
     cmake --install build/dev --prefix build/package/prefix >/dev/null
     cmake -S Tests/Package -B build/package/client -DCMAKE_PREFIX_PATH="$PWD/build/package/prefix" >/dev/null
     cmake --build build/package/client -j "$jobs"
     build/package/client/package_client
+    Tests/Package/check-installed-vxt.sh build/package/prefix build/package
   fi
 done

@@ -1,5 +1,8 @@
 // The commands of the command-line client register themselves here, each
 // from its own source file, so that adding a command touches no other file.
+// A registered command runs as `vxt CMD ...` and as a command of a shell
+// session; the global options (--config, --trace, --preset) may come before
+// or after it.
 //
 //   const bool registered = vxt::cli::RegisterCommand({
 //       "bits", "Parse bit vectors and apply operations to them",
@@ -32,10 +35,15 @@ struct CommandArguments {
 struct Command {
   std::string name;
   std::string help;
-  // Adds the command's options and positionals to its subcommand.
+  // Adds the command's options and positionals to its subcommand. Called
+  // for every command line, each with fresh arguments: a default set here
+  // holds for each command of a session.
   std::function<void(CLI::App& command, CommandArguments& arguments)> configure;
-  // Runs the command; the process's exit status. Throws CallFailed when
-  // the library refuses a call.
+  // Runs the command; its exit status. Throws CallFailed when the library
+  // refuses a call (or another exception: its message is shown, status 1).
+  // A Session made from `options` is the command's own connection, or in a
+  // shell session the session's one, with the same target for every
+  // command: what a command leaves on the target (locks, state) stays.
   std::function<int(const CommandArguments& arguments, const SessionOptions& options, std::ostream& out)> run;
 };
 

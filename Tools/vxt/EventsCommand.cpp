@@ -5,11 +5,13 @@
 // before connecting and taken back after disconnecting: the client's own
 // arrival and departure show too.
 //
+// In a shell session the session's connection is already there, and only
+// the events after the command starts show.
+//
 // Stopping: SIGINT and SIGTERM are blocked before the library starts any
 // thread, so every thread inherits the mask and the signal stays pending
 // until the main thread takes it with sigwait. No signal handler runs; the
 // command then leaves the library with an ordinary Disconnect.
-#include <pthread.h>
 #include <signal.h>
 
 #include <cstdint>
@@ -21,6 +23,7 @@
 
 #include "CommandRegistry.h"
 #include "EventLines.h"
+#include "StopSignals.h"
 
 namespace vxt::cli {
 namespace {
@@ -112,42 +115,22 @@ class Subscriptions {
   std::vector<std::function<void()>> unsubscribes_;
 };
 
-sigset_t StopSignals() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGINT);
-  sigaddset(&signals, SIGTERM);
-  return signals;
-}
-
-int WaitForStopSignal(const sigset_t& signals) {
-  int signal = 0;
-  while (sigwait(&signals, &signal) != 0) {
-  }
-  return signal;
-}
-
-IInternalService_Event& EventService() {
-  void* service = nullptr;
-  Check(GetService(nullptr, VXT_Service_Event, &service), "GetService(" + std::to_string(VXT_Service_Event) + ")");
-  return *static_cast<IInternalService_Event*>(service);
-}
-
 int ListenForEvents(const SessionOptions& options, std::ostream& out) {
-  const sigset_t stopSignals = StopSignals();
-  pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
+  BlockStopSignals();
 
   Printer printer(out);
-  const Subscriptions subscriptions(EventService(), printer);
+  const Subscriptions subscriptions(Session::Get<IInternalService_Event>(VXT_Service_Event), printer);
   int stopSignal = 0;
   {
     Session session(options);
     printer.PrintNote("Listening for events as client " + std::to_string(session.clientId()) +
                       "; Ctrl-C to stop.");
-    stopSignal = WaitForStopSignal(stopSignals);
+    stopSignal = WaitForStopSignal();
     printer.PrintNote(std::string("Stopping on ") + (stopSignal == SIGINT ? "SIGINT" : "SIGTERM") + '.');
   }
-  printer.PrintNote("Disconnected after " + std::to_string(printer.events()) + " events.");
+  // In a shell session the connection outlives the command.
+  printer.PrintNote((options.lasting ? "Stopped after " : "Disconnected after ") + std::to_string(printer.events()) +
+                    " events.");
   return 0;
 }
 

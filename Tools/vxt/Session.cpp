@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <sstream>
+#include <stdexcept>
 
 namespace vxt::cli {
 namespace {
@@ -32,6 +33,16 @@ void Check(VXT_Result code, const std::string& call) {
   if (code != VXT_SUCCESS) throw CallFailed(call, code);
 }
 
+std::vector<std::string> AvailableConfigurations() {
+  uint32_t count = 0;
+  Check(GetAvailableConfigurationCount(&count), "GetAvailableConfigurationCount");
+  std::vector<VXT_ConfigurationName> names(count);
+  if (count > 0) Check(GetAvailableConfigurations(count, names.data()), "GetAvailableConfigurations");
+  std::vector<std::string> texts;
+  for (const VXT_ConfigurationName& name : names) texts.emplace_back(name.name);
+  return texts;
+}
+
 void SelectConfiguration(const std::string& configuration) {
   if (configuration.empty()) return;
   if (LooksLikeAPath(configuration)) {
@@ -41,7 +52,7 @@ void SelectConfiguration(const std::string& configuration) {
   }
 }
 
-Session::Session(const SessionOptions& options) {
+Connection::Connection(const SessionOptions& options) {
   client_.structureSize = VXT_CLIENT_SIZE;
   client_.clientId = static_cast<uint32_t>(getpid());
   char host[64] = "localhost";
@@ -51,7 +62,7 @@ Session::Session(const SessionOptions& options) {
   Check(StartNewInstance(&client_, 1, VXT_ServerHostingType_In_Process, nullptr), "StartNewInstance");
   try {
     if (!options.loggingPreset.empty())
-      Check(general().LoadLoggingPreset(options.loggingPreset.c_str()), "LoadLoggingPreset");
+      Check(Session::general().LoadLoggingPreset(options.loggingPreset.c_str()), "LoadLoggingPreset");
     SelectConfiguration(options.configuration);
     Check(FinishInitialization(), "FinishInitialization");
   } catch (...) {
@@ -60,6 +71,30 @@ Session::Session(const SessionOptions& options) {
   }
 }
 
-Session::~Session() { Disconnect(client_.clientId); }
+Connection::~Connection() { Disconnect(client_.clientId); }
+
+Connection& LastingConnection::Use(const SessionOptions& commandOptions) {
+  if (!connection_) {
+    SessionOptions options = sessionOptions_;
+    if (!commandOptions.configuration.empty()) options.configuration = commandOptions.configuration;
+    connection_ = std::make_unique<Connection>(options);
+    sessionOptions_ = options;
+    loadedPreset_ = options.loggingPreset;
+  }
+  if (!commandOptions.configuration.empty() && commandOptions.configuration != sessionOptions_.configuration)
+    throw std::runtime_error("this session's target is " +
+                             (sessionOptions_.configuration.empty() ? "the default one"
+                                                                     : "'" + sessionOptions_.configuration + "'") +
+                             "; start another session for '" + commandOptions.configuration + "'");
+  if (!commandOptions.loggingPreset.empty() && commandOptions.loggingPreset != loadedPreset_) {
+    Check(Session::general().LoadLoggingPreset(commandOptions.loggingPreset.c_str()), "LoadLoggingPreset");
+    loadedPreset_ = commandOptions.loggingPreset;
+  }
+  return *connection_;
+}
+
+Session::Session(const SessionOptions& options)
+    : own_(options.lasting ? nullptr : std::make_unique<Connection>(options)),
+      connection_(options.lasting ? &options.lasting->Use(options) : own_.get()) {}
 
 }  // namespace vxt::cli

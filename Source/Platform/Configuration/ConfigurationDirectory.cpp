@@ -1,5 +1,7 @@
 #include "Configuration/ConfigurationDirectory.h"
 
+#include <dlfcn.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
@@ -13,8 +15,27 @@ namespace voxtrel::platform::configuration {
 namespace fs = std::filesystem;
 using target::Failure;
 
+namespace {
+
+// The installed configurations as seen from where this library really is,
+// so that a prefix that was moved or chosen at install time still finds
+// them; empty when the library does not sit in an installed prefix.
+fs::path ConfigurationsBesideThisLibrary() {
+  Dl_info library{};
+  if (dladdr(reinterpret_cast<const void*>(&ConfigurationsDirectory), &library) == 0 ||
+      library.dli_fname == nullptr)
+    return {};
+  std::error_code error;
+  const fs::path directory =
+      fs::weakly_canonical(fs::path(library.dli_fname).parent_path() / VOXTREL_CONFIGURATIONS_FROM_LIBRARY, error);
+  return !error && fs::is_directory(directory, error) ? directory : fs::path();
+}
+
+}  // namespace
+
 fs::path ConfigurationsDirectory() {
   if (const char* overridden = std::getenv("VXT_CONFIGURATIONS_DIR"); overridden && *overridden) return overridden;
+  if (fs::path installed = ConfigurationsBesideThisLibrary(); !installed.empty()) return installed;
   std::error_code error;
   if (fs::is_directory(VOXTREL_CONFIGURATIONS_DIR, error)) return VOXTREL_CONFIGURATIONS_DIR;
   return VOXTREL_INSTALLED_CONFIGURATIONS_DIR;

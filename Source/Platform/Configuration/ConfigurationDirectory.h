@@ -3,9 +3,10 @@
 // built-in "Default".
 //
 // The directory is, in this order: the environment variable
-// VXT_CONFIGURATIONS_DIR when set and not empty; the source tree's
-// Configurations/ when it exists (a build that runs where it was built);
-// the installed share/InProc_Vxt/Configurations.
+// VXT_CONFIGURATIONS_DIR when set and not empty; share/InProc_Vxt/Configurations
+// of the prefix this library is installed in, wherever that prefix now is;
+// the source tree's Configurations/ when it exists (a build that runs where
+// it was built); the configured prefix's share/InProc_Vxt/Configurations.
 #pragma once
 
 #include <filesystem>
