@@ -10,8 +10,9 @@ TEST(CpuFirmwareTest, EveryThreadCountsAndTheBootstrapThreadReports) {
   CpuTarget target;
   const uint32_t domainId = target.Domain().targetDomainId;
   ASSERT_EQ(target.Cpus().ThreadCount(), 4u);
-  EXPECT_TRUE(WaitFor([&] { return voxtrel::testing::CpuUartText(domainId, "COM1").find("tick 00000001\r\n") != std::string::npos; }))
-      << voxtrel::testing::CpuUartText(domainId, "COM1");
+  EXPECT_TRUE(WaitForCondition([&] {
+    return voxtrel::testing::CpuUartText(domainId, "COM1").find("tick 00000001\r\n") != std::string::npos;
+  })) << voxtrel::testing::CpuUartText(domainId, "COM1");
   for (uint32_t apicId = 0; apicId < 4; ++apicId) EXPECT_GT(target.ReadQword(ThreadCounter(apicId)), 0u) << apicId;
   const std::string text = voxtrel::testing::CpuUartText(domainId, "COM1");
   EXPECT_EQ(text.rfind("Voxtrel firmware: long mode reached\r\ntick 00000001\r\n", 0), 0u) << text;
