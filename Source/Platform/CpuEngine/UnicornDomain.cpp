@@ -295,9 +295,13 @@ void UnicornDomain::ClearTranslations(uint64_t begin, uint64_t end) {
   for (auto& thread : threads_) uc_ctl_remove_cache(thread->uc, begin, end);
 }
 
-void UnicornDomain::ClearTranslations() {
+void UnicornDomain::ClearTranslations(uc_engine* uc) {
   for (const Region& region : regions_)
-    if (region.host) ClearTranslations(region.info.base, region.info.base + region.info.size);
+    if (region.host) uc_ctl_remove_cache(uc, region.info.base, region.info.base + region.info.size);
+}
+
+void UnicornDomain::ClearTranslations() {
+  for (auto& thread : threads_) ClearTranslations(thread->uc);
 }
 
 // ---- Engine callbacks -------------------------------------------------------------
@@ -647,11 +651,11 @@ CpuResult UnicornDomain::Step(uint32_t thread) {
       uc_hook hook = 0;
       if (uc_hook_add(found->uc, &hook, UC_HOOK_CODE, reinterpret_cast<void*>(&OnStepCode), this, 1, 0) != UC_ERR_OK)
         return CpuResult::Unavailable;
+      ClearTranslations(found->uc);  // Code translated before has no call of the new hook
       found->state = RunState::Running;
       const bool reported = RunSlice(*found, true);
       uc_hook_del(found->uc, hook);
-      for (const Region& region : regions_)
-        if (region.host) uc_ctl_remove_cache(found->uc, region.info.base, region.info.base + region.info.size);
+      ClearTranslations(found->uc);  // Nor may code translated now keep calling it
       found->state = RunState::Halted;
       if (reported) return CpuResult::Ok;
     }

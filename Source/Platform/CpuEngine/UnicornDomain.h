@@ -108,6 +108,8 @@ class UnicornDomain final : public CpuBackend {
   void ResetThread(Thread& thread);
   uint64_t LinearRip(Thread& thread);
   void SetLinearRip(Thread& thread, uint64_t linear);
+  // Translations of every mapped region, of one engine or all of them.
+  void ClearTranslations(uc_engine* uc);
   void ClearTranslations();
   void ClearTranslations(uint64_t begin, uint64_t end);
   void MapMemory(uc_engine* uc);
