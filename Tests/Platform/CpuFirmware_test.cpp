@@ -24,3 +24,23 @@ TEST(CpuFirmwareTest, EveryThreadCountsAndTheBootstrapThreadReports) {
 
 }  // namespace
 }  // namespace vxt::test
+
+namespace vxt::test {
+namespace {
+
+// Every shipped description runs the firmware on every domain it emulates.
+TEST(CpuFirmwareTest, EveryShippedDescriptionBootsEveryDomain) {
+  for (const char* name : {"Default", "TwoSocketServer", "HostWithBmc"}) {
+    CpuTarget target(ShippedDescription(name));
+    const auto domains = CpuDomains::Instance().Domains();
+    EXPECT_FALSE(domains.empty()) << name;
+    for (const auto& domain : domains)
+      EXPECT_TRUE(WaitForCondition([&] {
+        return voxtrel::testing::CpuUartText(domain->targetDomainId, "COM1").find("tick 00000001") !=
+               std::string::npos;
+      })) << name << " domain " << std::hex << domain->targetDomainId;
+  }
+}
+
+}  // namespace
+}  // namespace vxt::test

@@ -49,6 +49,13 @@ void ToBytes(uint64_t value, std::span<uint8_t> bytes) {
   std::memcpy(bytes.data(), &value, std::min<size_t>(bytes.size(), 8));
 }
 
+// The register of that name if `size` bytes hold it; else null, and why.
+const X86Register* FindSized(std::string_view name, size_t size, CpuResult& result) {
+  const X86Register* reg = FindX86Register(name);
+  result = !reg ? CpuResult::UnknownRegister : size != reg->info.bitWidth / 8 ? CpuResult::BadSize : CpuResult::Ok;
+  return result == CpuResult::Ok ? reg : nullptr;
+}
+
 bool Overlaps(uint64_t a, uint64_t aSize, uint64_t b, uint64_t bSize) { return a < b + bSize && b < a + aSize; }
 
 }  // namespace
@@ -462,9 +469,9 @@ CpuResult UnicornDomain::WriteRegister(uint32_t thread, std::string_view name, s
 }
 
 CpuResult UnicornDomain::ReadRegisterHere(Thread& thread, std::string_view name, std::span<uint8_t> value) {
-  const X86Register* reg = FindX86Register(name);
-  if (!reg) return CpuResult::UnknownRegister;
-  if (value.size() != reg->info.bitWidth / 8) return CpuResult::BadSize;
+  CpuResult found = CpuResult::Ok;
+  const X86Register* reg = FindSized(name, value.size(), found);
+  if (!reg) return found;
   uint64_t result = 0;
   switch (reg->access) {
     case RegisterAccess::Plain:
@@ -496,9 +503,9 @@ CpuResult UnicornDomain::ReadRegisterHere(Thread& thread, std::string_view name,
 }
 
 CpuResult UnicornDomain::WriteRegisterHere(Thread& thread, std::string_view name, std::span<const uint8_t> value) {
-  const X86Register* reg = FindX86Register(name);
-  if (!reg) return CpuResult::UnknownRegister;
-  if (value.size() != reg->info.bitWidth / 8) return CpuResult::BadSize;
+  CpuResult found = CpuResult::Ok;
+  const X86Register* reg = FindSized(name, value.size(), found);
+  if (!reg) return found;
   uint64_t bits = FromBytes(value);
   uc_err err = UC_ERR_OK;
   switch (reg->access) {
