@@ -38,7 +38,7 @@ class IInternalService_Memory {
   virtual VXT_Result ReadIO(uint32_t deviceId, int32_t port, uint32_t portByteSize, uint64_t* operationToken) = 0;
   virtual VXT_Result WriteIO(uint32_t deviceId, int32_t port, uint32_t portByteSize, uint32_t value,
                              uint64_t* operationToken) = 0;
-  // VMCS fields are not reachable on this target: always VXT_E_NOT_SUPPORTED.
+  // VMCS fields are not reachable on this target: always VXT_E_NOT_IMPLEMENTED.
   virtual VXT_Result VMCSRead32(uint32_t deviceId, uint32_t fieldOffset, uint64_t* operationToken) = 0;
   virtual VXT_Result VMCSRead64(uint32_t deviceId, uint64_t fieldOffset, uint64_t* operationToken) = 0;
   virtual VXT_Result VMCSWrite32(uint32_t deviceId, uint32_t fieldOffset, uint32_t value,
