@@ -1,6 +1,7 @@
 // The RunControl component: run control, memory and registers of the
 // target's threads.
 #include "RunControl.h"
+#include "Cpu/CpuDomains.h"
 #include "RunControl/RunControlState.h"
 #include "Support/ComponentCall.h"
 #include "Target/PostFailure.h"
@@ -17,11 +18,16 @@ namespace {
 uint32_t Initialize() {
   VOXTREL_COMPONENT_CALL("RunControl.Initialize");
   if (target::Outcome refused = RunControlTopology().Bind()) return VOXTREL_POST_FAILURE(*refused);
+  if (target::Outcome refused = cpu::CpuDomains::Instance().Start(RunControlTopology().Topology()->Layout())) {
+    RunControlTopology().Unbind();
+    return VOXTREL_POST_FAILURE(*refused);
+  }
   return 0;
 }
 
 uint32_t Uninitialize() {
   VOXTREL_COMPONENT_CALL("RunControl.Uninitialize");
+  cpu::CpuDomains::Instance().Stop();
   RunControlTopology().Unbind();
   return 0;
 }
