@@ -1,13 +1,15 @@
-#include "Assembler/Assembler.h"
+#include "Assembler.h"
 
 #include <Zydis/Zydis.h>
 
 #include <array>
+#include <cctype>
+#include <string>
 #include <optional>
 
-#include "Assembler/AssemblyParser.h"
-#include "Assembler/Disassembler.h"
-#include "Assembler/ZydisModes.h"
+#include "AssemblyParser.h"
+#include "Disassembler.h"
+#include "ZydisModes.h"
 
 namespace voxtrel::platform::assembler {
 namespace {
@@ -137,22 +139,67 @@ ZydisEncoderOperand* UnsizedMemory(ZydisEncoderRequest& request) {
   return nullptr;
 }
 
+
+// Lower case, one blank wherever the text has any: the disassembler's text
+// and the client's compare equal when they say the same.
+std::string Normalized(std::string_view text) {
+  std::string normal;
+  for (const char c : text) {
+    if (std::isspace(static_cast<unsigned char>(c))) {
+      if (!normal.empty() && normal.back() != ' ') normal += ' ';
+    } else {
+      normal += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    }
+  }
+  if (!normal.empty() && normal.back() == ' ') normal.pop_back();
+  return normal;
+}
+
+// Every way of reading the text the encoder takes, most literal first: with
+// the numbers as written or sign-extended, with the sizes an unsized memory
+// operand may have, and with each operand size (the disassembler shows an
+// instruction's operand size only through the digits of a negative
+// immediate, as in "push 0xFFFFFFB4" of 16-bit code). `take` is given each
+// encoding and says whether to stop.
+template <class Take>
+void ForEachEncoding(InstructionMode mode, const ParsedInstruction& parsed, uint64_t address, Take take) {
+  for (const ZydisOperandSizeHint hint : {ZYDIS_OPERAND_SIZE_HINT_NONE, ZYDIS_OPERAND_SIZE_HINT_16,
+                                          ZYDIS_OPERAND_SIZE_HINT_32, ZYDIS_OPERAND_SIZE_HINT_64}) {
+    for (const int extend : {0, 1, 2, 3}) {
+      ZydisEncoderRequest request = WithSignExtension(parsed.request, (extend & 1) != 0, (extend & 2) != 0);
+      if (hint != ZYDIS_OPERAND_SIZE_HINT_NONE) request.operand_size_hint = hint;
+      ZydisEncoderOperand* unsized = UnsizedMemory(request);
+      for (const uint16_t size : kUnwrittenSizes) {
+        if (unsized != nullptr) unsized->mem.size = size;
+        if (auto bytes = Encode(mode, request, parsed.ripRelative, address); bytes && take(std::move(*bytes))) return;
+        if (unsized == nullptr) break;
+      }
+    }
+  }
+}
+
 }  // namespace
 
+// The first encoding that disassembles to the text as given, else the first
+// encoding at all: text the disassembler wrote comes back as it was, and
+// text a user wrote ("mov eax, 1") as the plainest instruction that says it.
 Assembly Assemble(InstructionMode mode, std::string_view text, uint64_t address) {
   const ParsedInstruction parsed = ParseInstruction(mode, text);
   if (!parsed.ok) return {false, parsed.error, {}};
 
-  const uint64_t runtimeAddress = RuntimeAddress(mode, address);
-  for (const int extend : {0, 1, 2, 3}) {
-    ZydisEncoderRequest request = WithSignExtension(parsed.request, (extend & 1) != 0, (extend & 2) != 0);
-    ZydisEncoderOperand* unsized = UnsizedMemory(request);
-    for (const uint16_t size : kUnwrittenSizes) {
-      if (unsized != nullptr) unsized->mem.size = size;
-      if (auto bytes = Encode(mode, request, parsed.ripRelative, runtimeAddress)) return {true, {}, std::move(*bytes)};
-      if (unsized == nullptr) break;
+  const std::string wanted = Normalized(text);
+  std::optional<std::vector<uint8_t>> first;
+  std::optional<std::vector<uint8_t>> exact;
+  ForEachEncoding(mode, parsed, RuntimeAddress(mode, address), [&](std::vector<uint8_t> bytes) {
+    if (Normalized(Disassemble(mode, bytes, address).text) == wanted) {
+      exact = std::move(bytes);
+      return true;
     }
-  }
+    if (!first) first = std::move(bytes);
+    return false;
+  });
+  if (exact) return {true, {}, std::move(*exact)};
+  if (first) return {true, {}, std::move(*first)};
   return {false, "no encoding of '" + std::string(text) + "' in this mode", {}};
 }
 

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Assembler/InstructionMode.h"
+#include "InstructionMode.h"
 #include "PlatformApi.h"
 
 namespace voxtrel::platform::assembler {

@@ -1,4 +1,4 @@
-#include "Assembler/AssemblyParser.h"
+#include "AssemblyParser.h"
 
 #include <algorithm>
 #include <array>
@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "Assembler/ZydisModes.h"
-#include "Assembler/ZydisNames.h"
+#include "ZydisModes.h"
+#include "ZydisNames.h"
 
 namespace voxtrel::platform::assembler {
 namespace {
@@ -197,8 +197,8 @@ class Parser {
     // The offset shows as many digits as the operand size has: "0x0DC1"
     // is a 16-bit far pointer also in 32-bit code.
     const size_t digits = Trim(offset).size() - 2;
-    if (digits == 4) result_.request.operand_size_hint = ZYDIS_OPERAND_SIZE_HINT_16;
-    if (digits == 8) result_.request.operand_size_hint = ZYDIS_OPERAND_SIZE_HINT_32;
+    if (digits == 4) result_.request.branch_width = ZYDIS_BRANCH_WIDTH_16;
+    if (digits == 8) result_.request.branch_width = ZYDIS_BRANCH_WIDTH_32;
     operand.type = ZYDIS_OPERAND_TYPE_POINTER;
     operand.ptr.segment = static_cast<uint16_t>(*segmentValue);
     operand.ptr.offset = static_cast<uint32_t>(*offsetValue);

@@ -19,7 +19,7 @@
 #include <string>
 #include <string_view>
 
-#include "Assembler/InstructionMode.h"
+#include "InstructionMode.h"
 
 namespace voxtrel::platform::assembler {
 

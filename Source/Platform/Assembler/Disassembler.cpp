@@ -1,8 +1,8 @@
-#include "Assembler/Disassembler.h"
+#include "Disassembler.h"
 
 #include <Zydis/Zydis.h>
 
-#include "Assembler/ZydisModes.h"
+#include "ZydisModes.h"
 
 namespace voxtrel::platform::assembler {
 namespace {

@@ -12,7 +12,7 @@
 #include <span>
 #include <string>
 
-#include "Assembler/InstructionMode.h"
+#include "InstructionMode.h"
 #include "PlatformApi.h"
 
 namespace voxtrel::platform::assembler {

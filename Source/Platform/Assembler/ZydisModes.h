@@ -3,7 +3,7 @@
 
 #include <Zydis/Zydis.h>
 
-#include "Assembler/InstructionMode.h"
+#include "InstructionMode.h"
 
 namespace voxtrel::platform::assembler {
 

@@ -1,4 +1,4 @@
-#include "Assembler/ZydisNames.h"
+#include "ZydisNames.h"
 
 #include <string>
 #include <unordered_map>
