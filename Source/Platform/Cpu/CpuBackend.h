@@ -118,6 +118,11 @@ class CpuBackend {
   // vector, the others waiting for it as the description says), RAM kept,
   // breakpoints kept, IO devices reset.
   virtual CpuResult Reset(ResetMode mode) = 0;
+
+  // Stops execution for good and waits until the backend's own thread has
+  // ended; every later call answers Unavailable (GetRunState: Halted).
+  // CpuDomains calls it when the RunControl component is uninitialized.
+  virtual void Shutdown() = 0;
 };
 
 }  // namespace voxtrel::platform::cpu

@@ -13,7 +13,7 @@
 
 #include "CpuBackend.h"
 #include "PlatformApi.h"
-#include "Target/Failure.h"
+#include "../Target/Failure.h"
 
 namespace voxtrel::platform::target {
 class Topology;
@@ -21,12 +21,16 @@ class Topology;
 
 namespace voxtrel::platform::cpu {
 
+class EmulatedMachine;
+
 // The CPUs one target domain runs.
 struct CpuDomain {
   uint32_t targetDomainId = 0;
   std::shared_ptr<CpuBackend> backend;
   // The device id of each thread, by thread index.
   std::vector<uint32_t> threadDeviceIds;
+  // The machine around the CPUs (IO devices), for test control and tools.
+  std::shared_ptr<EmulatedMachine> machine;
 };
 
 enum class LookupResult : uint8_t {

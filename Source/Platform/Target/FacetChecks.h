@@ -13,8 +13,10 @@
 
 namespace voxtrel::platform::target {
 
-// The member names a device may carry for its components.
-inline constexpr std::string_view kFacetMembers[] = {"memory", "registers", "statePorts"};
+// The member names a device may carry for its components. A target domain's
+// CPUs read "memoryMap", "ioDevices", "cpuid", "msrs" and "apicIds".
+inline constexpr std::string_view kFacetMembers[] = {"memory",    "registers", "statePorts", "memoryMap",
+                                                     "ioDevices", "cpuid",     "msrs",       "apicIds"};
 
 // Throws DescriptionProblem (see JsonReader.h) when `facet` is not usable;
 // `node` is the device it belongs to, as far as it is built.

@@ -20,8 +20,9 @@ constexpr uint64_t kMaxRepeat = 4096;
 constexpr uint64_t kMaxThreadsPerCore = 256;
 
 // Members every node object may have.
-const std::initializer_list<std::string_view> kNodeMembers = {"identifier", "enabled",   "properties",
-                                                              "memory",     "registers", "statePorts"};
+const std::initializer_list<std::string_view> kNodeMembers = {
+    "identifier", "enabled",   "properties", "memory", "registers", "statePorts",
+    "memoryMap",  "ioDevices", "cpuid",      "msrs",   "apicIds"};
 
 bool IsIdentifierCharacter(char c) {
   return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '-' || c == '.';

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "CpuTestControl.h"
 #include "PlatformApi.h"
 
 namespace voxtrel::testing {
