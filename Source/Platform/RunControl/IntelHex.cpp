@@ -21,7 +21,7 @@ target::Failure BadRecord(size_t lineNumber, const char* what) {
 }
 
 void AppendRecord(std::string& text, uint8_t type, uint16_t address, const uint8_t* data, size_t size) {
-  char field[8];
+  char field[16];
   uint8_t sum = static_cast<uint8_t>(size + (address >> 8) + (address & 0xFF) + type);
   std::snprintf(field, sizeof field, ":%02X%04X%02X", static_cast<unsigned>(size), address, type);
   text += field;
