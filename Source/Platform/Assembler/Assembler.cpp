@@ -27,11 +27,14 @@ uint64_t SignExtended(uint64_t value) {
 }
 
 // A memory operand the text gives no size for ("lea eax, [edi]",
-// "fnsave [bx+si*1]") takes whatever size the instruction has.
+// "fnsave [bx+si*1]") takes whatever size the instruction has; one whose
+// size the text gives is tried with the others too, since the text of a
+// few says another size than the encoder knows them by ("lgdt fword ptr"
+// of 16-bit code).
 // The x87 environment and state images are 14/28 and 94/108 bytes.
 // The x87 environment and state images are 14/28 and 94/108 bytes, the
 // x87 and SSE state 512.
-constexpr std::array<uint16_t, 15> kUnwrittenSizes{0, 1, 2, 4, 6, 8, 10, 16, 32, 64, 14, 28, 94, 108, 512};
+constexpr std::array<uint16_t, 15> kOtherSizes{0, 1, 2, 4, 6, 8, 10, 16, 32, 64, 14, 28, 94, 108, 512};
 
 std::optional<std::vector<uint8_t>> EncodeOnce(ZydisEncoderRequest request, bool ripRelative, uint64_t address) {
   uint8_t buffer[ZYDIS_MAX_INSTRUCTION_LENGTH];
@@ -131,10 +134,10 @@ ZydisEncoderRequest WithSignExtension(ZydisEncoderRequest request, bool immediat
   return request;
 }
 
-ZydisEncoderOperand* UnsizedMemory(ZydisEncoderRequest& request) {
+ZydisEncoderOperand* MemoryOperand(ZydisEncoderRequest& request) {
   for (uint8_t i = 0; i < request.operand_count; ++i) {
     ZydisEncoderOperand& operand = request.operands[i];
-    if (operand.type == ZYDIS_OPERAND_TYPE_MEMORY && operand.mem.size == 0) return &operand;
+    if (operand.type == ZYDIS_OPERAND_TYPE_MEMORY) return &operand;
   }
   return nullptr;
 }
@@ -168,11 +171,14 @@ void ForEachEncoding(InstructionMode mode, const ParsedInstruction& parsed, uint
     for (const int extend : {0, 1, 2, 3}) {
       ZydisEncoderRequest request = WithSignExtension(parsed.request, (extend & 1) != 0, (extend & 2) != 0);
       if (hint != ZYDIS_OPERAND_SIZE_HINT_NONE) request.operand_size_hint = hint;
-      ZydisEncoderOperand* unsized = UnsizedMemory(request);
-      for (const uint16_t size : kUnwrittenSizes) {
-        if (unsized != nullptr) unsized->mem.size = size;
+      ZydisEncoderOperand* memory = MemoryOperand(request);
+      const uint16_t written = memory == nullptr ? 0 : memory->mem.size;
+      if (auto bytes = Encode(mode, request, parsed.ripRelative, address); bytes && take(std::move(*bytes))) return;
+      for (const uint16_t size : kOtherSizes) {
+        if (memory == nullptr) break;
+        if (size == written) continue;
+        memory->mem.size = size;
         if (auto bytes = Encode(mode, request, parsed.ripRelative, address); bytes && take(std::move(*bytes))) return;
-        if (unsized == nullptr) break;
       }
     }
   }
