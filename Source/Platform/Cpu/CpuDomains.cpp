@@ -28,8 +28,10 @@ bool HoldsThreads(NodeType type) {
     case NodeType::TargetDomain:
     case NodeType::LogicalPackage:
     case NodeType::LogicalDie:
-    case NodeType::LogicalModule: return true;
-    default: return false;
+    case NodeType::LogicalModule:
+      return true;
+    default:
+      return false;
   }
 }
 

@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
+#include "../Target/Failure.h"
 #include "CpuBackend.h"
 #include "PlatformApi.h"
-#include "../Target/Failure.h"
 
 namespace voxtrel::platform::target {
 class Topology;
@@ -73,7 +73,7 @@ class VOXTREL_PLATFORM_API CpuDomains {
   struct State;
   std::shared_ptr<const State> Current() const;
   void Replace(std::shared_ptr<const State> state);
-  mutable std::mutex mutex_;              // Held only to copy or swap state_
+  mutable std::mutex mutex_;            // Held only to copy or swap state_
   std::shared_ptr<const State> state_;  // Replaced whole by Start and Stop
 };
 

@@ -44,12 +44,11 @@ std::vector<RegionDescription> ReadMemoryMap(const Json& facet, const std::strin
     }
     regions.push_back(std::move(region));
   }
-  std::sort(regions.begin(), regions.end(),
-            [](const auto& a, const auto& b) { return a.region.base < b.region.base; });
+  std::sort(regions.begin(), regions.end(), [](const auto& a, const auto& b) { return a.region.base < b.region.base; });
   for (size_t index = 1; index < regions.size(); ++index)
     if (regions[index - 1].region.base + regions[index - 1].region.size > regions[index].region.base)
-      target::Fail(place, "regions '" + regions[index - 1].region.name + "' and '" + regions[index].region.name +
-                              "' overlap");
+      target::Fail(place,
+                   "regions '" + regions[index - 1].region.name + "' and '" + regions[index].region.name + "' overlap");
   return regions;
 }
 
@@ -81,7 +80,8 @@ std::vector<CpuidEntry> ReadCpuid(const Json& facet, const std::string& place) {
                               {"leaf", "subleaf", "eax", "ebx", "ecx", "edx"});
     CpuidEntry entry;
     entry.leaf = static_cast<uint32_t>(object.RequiredUnsigned("leaf", 0, UINT32_MAX));
-    if (object.Find("subleaf")) entry.subleaf = static_cast<uint32_t>(object.RequiredUnsigned("subleaf", 0, UINT32_MAX));
+    if (object.Find("subleaf"))
+      entry.subleaf = static_cast<uint32_t>(object.RequiredUnsigned("subleaf", 0, UINT32_MAX));
     entry.result.eax = static_cast<uint32_t>(object.OptionalUnsigned("eax", 0, UINT32_MAX, 0));
     entry.result.ebx = static_cast<uint32_t>(object.OptionalUnsigned("ebx", 0, UINT32_MAX, 0));
     entry.result.ecx = static_cast<uint32_t>(object.OptionalUnsigned("ecx", 0, UINT32_MAX, 0));
@@ -104,7 +104,8 @@ std::vector<MsrDefault> ReadMsrs(const Json& facet, const std::string& place) {
 std::vector<uint32_t> ReadApicIds(const Json& facet, const std::string& place) {
   std::vector<uint32_t> ids;
   for (size_t index = 0; index < facet.size(); ++index) {
-    const uint32_t id = static_cast<uint32_t>(target::ReadUnsigned(facet[index], target::PlaceOf(place, index), 0, 0xFF));
+    const uint32_t id =
+        static_cast<uint32_t>(target::ReadUnsigned(facet[index], target::PlaceOf(place, index), 0, 0xFF));
     if (std::find(ids.begin(), ids.end(), id) != ids.end())
       target::Fail(target::PlaceOf(place, index), "APIC id " + std::to_string(id) + " is given twice");
     ids.push_back(id);

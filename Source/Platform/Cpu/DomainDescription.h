@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "CpuTypes.h"
 #include "../Target/Topology.h"
+#include "CpuTypes.h"
 
 namespace voxtrel::platform::cpu {
 

@@ -42,14 +42,14 @@ class DomainMachine {
 };
 
 struct RegionSetup {
-  MemoryRegion region;          // Base and size 4 KiB aligned; holes carry no bytes
-  std::vector<uint8_t> image;   // ROM: its contents from the base, at most size bytes; the rest reads 0
+  MemoryRegion region;         // Base and size 4 KiB aligned; holes carry no bytes
+  std::vector<uint8_t> image;  // ROM: its contents from the base, at most size bytes; the rest reads 0
 };
 
 struct EngineSetup {
   std::vector<RegionSetup> regions;  // The whole map, ascending, as CpuBackend::MemoryMap gives it
   uint32_t threadCount = 0;
-  std::vector<uint32_t> apicIds;     // By thread index
+  std::vector<uint32_t> apicIds;  // By thread index
   std::shared_ptr<DomainMachine> machine;
 };
 

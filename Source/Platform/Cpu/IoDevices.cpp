@@ -19,13 +19,20 @@ uint8_t Uart16550::Read(uint16_t offset) {
         received_.pop_front();
         return byte;
       }
-    case 1: return (lcr_ & kDlab) ? dlm_ : ier_;
-    case 2: return 0xC1;  // FIFOs enabled, no interrupt pending
-    case 3: return lcr_;
-    case 4: return mcr_;
-    case 5: return kLsrTransmitterEmpty | (received_.empty() ? 0 : kLsrDataReady);
-    case 6: return 0xB0;  // DCD, DSR, CTS
-    default: return scr_;
+    case 1:
+      return (lcr_ & kDlab) ? dlm_ : ier_;
+    case 2:
+      return 0xC1;  // FIFOs enabled, no interrupt pending
+    case 3:
+      return lcr_;
+    case 4:
+      return mcr_;
+    case 5:
+      return kLsrTransmitterEmpty | (received_.empty() ? 0 : kLsrDataReady);
+    case 6:
+      return 0xB0;  // DCD, DSR, CTS
+    default:
+      return scr_;
   }
 }
 
@@ -46,10 +53,17 @@ void Uart16550::Write(uint16_t offset, uint8_t value) {
       else
         ier_ = value & 0x0F;
       break;
-    case 3: lcr_ = value; break;
-    case 4: mcr_ = value & 0x1F; break;
-    case 7: scr_ = value; break;
-    default: break;  // FCR, and the read-only LSR and MSR
+    case 3:
+      lcr_ = value;
+      break;
+    case 4:
+      mcr_ = value & 0x1F;
+      break;
+    case 7:
+      scr_ = value;
+      break;
+    default:
+      break;  // FCR, and the read-only LSR and MSR
   }
 }
 

@@ -30,7 +30,9 @@ constexpr uint32_t kEngineMsrs[] = {kEfer,      0xC0000081, 0xC0000082, 0xC00000
 // EFER bits a program may set: SCE, LME, LMA, NXE.
 constexpr uint64_t kEferWritable = 0x1 | 0x100 | 0x400 | 0x800;
 
-bool IsEngineMsr(uint32_t msr) { return std::find(std::begin(kEngineMsrs), std::end(kEngineMsrs), msr) != std::end(kEngineMsrs); }
+bool IsEngineMsr(uint32_t msr) {
+  return std::find(std::begin(kEngineMsrs), std::end(kEngineMsrs), msr) != std::end(kEngineMsrs);
+}
 
 void Check(uc_err err, const char* what) {
   if (err != UC_ERR_OK) throw std::runtime_error(std::string(what) + ": " + uc_strerror(err));
@@ -47,6 +49,13 @@ void ToBytes(uint64_t value, std::span<uint8_t> bytes) {
   std::memcpy(bytes.data(), &value, std::min<size_t>(bytes.size(), 8));
 }
 
+// The register of that name if `size` bytes hold it; else null, and why.
+const X86Register* FindSized(std::string_view name, size_t size, CpuResult& result) {
+  const X86Register* reg = FindX86Register(name);
+  result = !reg ? CpuResult::UnknownRegister : size != reg->info.bitWidth / 8 ? CpuResult::BadSize : CpuResult::Ok;
+  return result == CpuResult::Ok ? reg : nullptr;
+}
+
 bool Overlaps(uint64_t a, uint64_t aSize, uint64_t b, uint64_t bSize) { return a < b + bSize && b < a + aSize; }
 
 }  // namespace
@@ -60,7 +69,8 @@ UnicornDomain::UnicornDomain(const EngineSetup& setup) : machine_(setup.machine)
       if (region.region.kind != RegionKind::Hole) {
         void* host = mmap(nullptr, region.region.size, PROT_READ | PROT_WRITE,
                           MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-        if (host == MAP_FAILED) throw std::runtime_error("cannot reserve memory for region '" + region.region.name + "'");
+        if (host == MAP_FAILED)
+          throw std::runtime_error("cannot reserve memory for region '" + region.region.name + "'");
         mapped.host = static_cast<uint8_t*>(host);
         std::memcpy(mapped.host, region.image.data(), std::min<size_t>(region.image.size(), region.region.size));
       }
@@ -113,8 +123,7 @@ void UnicornDomain::AddThreadHooks(Thread& thread) {
   Check(uc_hook_add(thread.uc, &hook, UC_HOOK_INSN, reinterpret_cast<void*>(&OnOut), this, 1, 0, UC_X86_INS_OUT),
         "OUT hook");
   thread.hooks.push_back(hook);
-  Check(uc_hook_add(thread.uc, &hook, UC_HOOK_INSN, reinterpret_cast<void*>(&OnCpuid), this, 1, 0,
-                    UC_X86_INS_CPUID),
+  Check(uc_hook_add(thread.uc, &hook, UC_HOOK_INSN, reinterpret_cast<void*>(&OnCpuid), this, 1, 0, UC_X86_INS_CPUID),
         "CPUID hook");
   thread.hooks.push_back(hook);
 }
@@ -194,13 +203,23 @@ void UnicornDomain::Loop() {
       if (quit_ && work.empty()) return;
     }
     for (auto& request : work) request();
-    if (Thread* thread = NextRunnable()) {
-      // Round robin: the next slice goes to the thread after this one.
-      std::rotate(threads_.begin(), std::find_if(threads_.begin(), threads_.end(),
-                                                 [&](const auto& t) { return t.get() == thread; }) + 1,
-                  threads_.end());
-      RunSlice(*thread, false);
+    Thread* thread = NextRunnable();
+    if (!thread) {
+      // Everything stopped: the next run starts from the canonical schedule,
+      // so that the same state resumed runs the same way.
+      std::sort(threads_.begin(), threads_.end(), [](const auto& a, const auto& b) { return a->index < b->index; });
+      turnOwner_ = nullptr;
+      continue;
     }
+    if (thread != turnOwner_ || blocksLeft_ == 0) {
+      turnOwner_ = thread;
+      blocksLeft_ = kSliceBlocks;
+    }
+    RunSlice(*thread, false);
+    if (blocksLeft_ == 0)  // Its turn is over: the next thread's begins
+      std::rotate(threads_.begin(),
+                  std::find_if(threads_.begin(), threads_.end(), [&](const auto& t) { return t.get() == thread; }) + 1,
+                  threads_.end());
   }
 }
 
@@ -220,7 +239,6 @@ UnicornDomain::Thread* UnicornDomain::FindThread(uint32_t index) {
 // fails. True when a stop was reported (the thread is then halted).
 bool UnicornDomain::RunSlice(Thread& thread, bool stepping) {
   current_ = &thread;
-  blocksLeft_ = kSliceBlocks;
   stepping_ = stepping;
   stepCallbacks_ = 0;
   stopped_ = false;
@@ -284,9 +302,13 @@ void UnicornDomain::ClearTranslations(uint64_t begin, uint64_t end) {
   for (auto& thread : threads_) uc_ctl_remove_cache(thread->uc, begin, end);
 }
 
-void UnicornDomain::ClearTranslations() {
+void UnicornDomain::ClearTranslations(uc_engine* uc) {
   for (const Region& region : regions_)
-    if (region.host) ClearTranslations(region.info.base, region.info.base + region.info.size);
+    if (region.host) uc_ctl_remove_cache(uc, region.info.base, region.info.base + region.info.size);
+}
+
+void UnicornDomain::ClearTranslations() {
+  for (auto& thread : threads_) ClearTranslations(thread->uc);
 }
 
 // ---- Engine callbacks -------------------------------------------------------------
@@ -354,8 +376,8 @@ int UnicornDomain::OnCpuid(uc_engine* uc, void* user) {
   uint64_t leaf = 0, subleaf = 0;
   uc_reg_read(uc, UC_X86_REG_RAX, &leaf);
   uc_reg_read(uc, UC_X86_REG_RCX, &subleaf);
-  const CpuidResult result = domain->machine_->Cpuid(domain->current_->index, static_cast<uint32_t>(leaf),
-                                                     static_cast<uint32_t>(subleaf));
+  const CpuidResult result =
+      domain->machine_->Cpuid(domain->current_->index, static_cast<uint32_t>(leaf), static_cast<uint32_t>(subleaf));
   const std::pair<int, uint64_t> outputs[] = {{UC_X86_REG_RAX, result.eax},
                                               {UC_X86_REG_RBX, result.ebx},
                                               {UC_X86_REG_RCX, result.ecx},
@@ -447,9 +469,9 @@ CpuResult UnicornDomain::WriteRegister(uint32_t thread, std::string_view name, s
 }
 
 CpuResult UnicornDomain::ReadRegisterHere(Thread& thread, std::string_view name, std::span<uint8_t> value) {
-  const X86Register* reg = FindX86Register(name);
-  if (!reg) return CpuResult::UnknownRegister;
-  if (value.size() != reg->info.bitWidth / 8) return CpuResult::BadSize;
+  CpuResult found = CpuResult::Ok;
+  const X86Register* reg = FindSized(name, value.size(), found);
+  if (!reg) return found;
   uint64_t result = 0;
   switch (reg->access) {
     case RegisterAccess::Plain:
@@ -481,9 +503,9 @@ CpuResult UnicornDomain::ReadRegisterHere(Thread& thread, std::string_view name,
 }
 
 CpuResult UnicornDomain::WriteRegisterHere(Thread& thread, std::string_view name, std::span<const uint8_t> value) {
-  const X86Register* reg = FindX86Register(name);
-  if (!reg) return CpuResult::UnknownRegister;
-  if (value.size() != reg->info.bitWidth / 8) return CpuResult::BadSize;
+  CpuResult found = CpuResult::Ok;
+  const X86Register* reg = FindSized(name, value.size(), found);
+  if (!reg) return found;
   uint64_t bits = FromBytes(value);
   uc_err err = UC_ERR_OK;
   switch (reg->access) {
@@ -518,8 +540,7 @@ CpuResult UnicornDomain::WriteMsrHere(Thread& thread, uint32_t msr, uint64_t val
   if (!IsEngineMsr(msr)) return machine_->WriteMsr(thread.index, msr, value);
   if (msr == kEfer && (value & ~kEferWritable)) return CpuResult::GeneralProtection;
   uc_x86_msr record{msr, value};
-  return uc_reg_write(thread.uc, UC_X86_REG_MSR, &record) == UC_ERR_OK ? CpuResult::Ok
-                                                                        : CpuResult::GeneralProtection;
+  return uc_reg_write(thread.uc, UC_X86_REG_MSR, &record) == UC_ERR_OK ? CpuResult::Ok : CpuResult::GeneralProtection;
 }
 
 CpuResult UnicornDomain::ReadMsr(uint32_t thread, uint32_t msr, uint64_t& value) {
@@ -635,14 +656,13 @@ CpuResult UnicornDomain::Step(uint32_t thread) {
     if (!found->waiting) {
       ArmSkip(*found);
       uc_hook hook = 0;
-      if (uc_hook_add(found->uc, &hook, UC_HOOK_CODE, reinterpret_cast<void*>(&OnStepCode), this, 1, 0) !=
-          UC_ERR_OK)
+      if (uc_hook_add(found->uc, &hook, UC_HOOK_CODE, reinterpret_cast<void*>(&OnStepCode), this, 1, 0) != UC_ERR_OK)
         return CpuResult::Unavailable;
+      ClearTranslations(found->uc);  // Code translated before has no call of the new hook
       found->state = RunState::Running;
       const bool reported = RunSlice(*found, true);
       uc_hook_del(found->uc, hook);
-      for (const Region& region : regions_)
-        if (region.host) uc_ctl_remove_cache(found->uc, region.info.base, region.info.base + region.info.size);
+      ClearTranslations(found->uc);  // Nor may code translated now keep calling it
       found->state = RunState::Halted;
       if (reported) return CpuResult::Ok;
     }
@@ -656,8 +676,8 @@ CpuResult UnicornDomain::Step(uint32_t thread) {
 CpuResult UnicornDomain::AddBreakpoint(const Breakpoint& breakpoint, uint32_t& id) {
   const bool data = breakpoint.kind == BreakpointKind::Data;
   if (data ? (breakpoint.length != 1 && breakpoint.length != 2 && breakpoint.length != 4 && breakpoint.length != 8) ||
-                 breakpoint.address % breakpoint.length != 0 ||
-                 (static_cast<uint8_t>(breakpoint.access) & 3) == 0 || static_cast<uint8_t>(breakpoint.access) > 3
+                 breakpoint.address % breakpoint.length != 0 || (static_cast<uint8_t>(breakpoint.access) & 3) == 0 ||
+                 static_cast<uint8_t>(breakpoint.access) > 3
            : breakpoint.length != 1)
     return CpuResult::BadBreakpoint;
   if (breakpoint.threadIndex != kAllThreads && breakpoint.threadIndex >= threads_.size())
@@ -669,8 +689,8 @@ CpuResult UnicornDomain::AddBreakpoint(const Breakpoint& breakpoint, uint32_t& i
     for (auto& thread : threads_) {
       uc_hook hook = 0;
       if (!data) {
-        uc_hook_add(thread->uc, &hook, UC_HOOK_CODE, reinterpret_cast<void*>(&OnExecutionBreakpoint),
-                    set.owner.get(), breakpoint.address, breakpoint.address);
+        uc_hook_add(thread->uc, &hook, UC_HOOK_CODE, reinterpret_cast<void*>(&OnExecutionBreakpoint), set.owner.get(),
+                    breakpoint.address, breakpoint.address);
         set.hooks.emplace_back(thread->uc, hook);
         continue;
       }
@@ -678,8 +698,8 @@ CpuResult UnicornDomain::AddBreakpoint(const Breakpoint& breakpoint, uint32_t& i
       const uint64_t end = breakpoint.address + breakpoint.length - 1;
       const auto access = static_cast<uint8_t>(breakpoint.access);
       if (access & static_cast<uint8_t>(DataAccess::Read)) {
-        uc_hook_add(thread->uc, &hook, UC_HOOK_MEM_READ, reinterpret_cast<void*>(&OnDataAccess), set.owner.get(),
-                    begin, end);
+        uc_hook_add(thread->uc, &hook, UC_HOOK_MEM_READ, reinterpret_cast<void*>(&OnDataAccess), set.owner.get(), begin,
+                    end);
         set.hooks.emplace_back(thread->uc, hook);
       }
       if (access & static_cast<uint8_t>(DataAccess::Write)) {

@@ -5,11 +5,14 @@
 // instruction boundary, and the same firmware runs the same way every time.
 //
 // Every call from outside becomes a request that the domain's thread serves
-// between two slices; the engines are touched by that thread alone. A slice
-// ends after kSliceBlocks translated blocks, when a request arrives (a flag
-// a block hook reads, which calls uc_emu_stop itself: never from another
-// thread), at a stop, or when the thread executes HLT. Runs are never
-// counted (count = 0): a counted run throws away every translation.
+// between two slices; the engines are touched by that thread alone. A
+// thread's turn is kSliceBlocks blocks; a slice ends at the end of the turn,
+// when a request arrives (a flag a block hook reads, which calls uc_emu_stop
+// itself: never from another thread), at a stop, or when the thread executes
+// HLT. A turn cut short by a request goes on after it, so when requests come
+// does not change which thread runs which instructions: started from the
+// same state, the domain runs the same way. Runs are never counted
+// (count = 0): a counted run throws away every translation.
 #pragma once
 
 #include <atomic>
@@ -105,6 +108,8 @@ class UnicornDomain final : public CpuBackend {
   void ResetThread(Thread& thread);
   uint64_t LinearRip(Thread& thread);
   void SetLinearRip(Thread& thread, uint64_t linear);
+  // Translations of every mapped region, of one engine or all of them.
+  void ClearTranslations(uc_engine* uc);
   void ClearTranslations();
   void ClearTranslations(uint64_t begin, uint64_t end);
   void MapMemory(uc_engine* uc);
@@ -132,7 +137,7 @@ class UnicornDomain final : public CpuBackend {
   std::vector<Region> regions_;
   std::shared_ptr<DomainMachine> machine_;
   std::vector<std::unique_ptr<Thread>> threads_;
-  uc_context* resetState_ = nullptr;   // Real mode at the reset vector, from a 16-bit engine
+  uc_context* resetState_ = nullptr;  // Real mode at the reset vector, from a 16-bit engine
 
   // Breakpoints and listeners: touched on the domain's thread only.
   std::map<uint32_t, SetBreakpoint> breakpoints_;
@@ -144,6 +149,7 @@ class UnicornDomain final : public CpuBackend {
 
   // The slice under way.
   Thread* current_ = nullptr;
+  Thread* turnOwner_ = nullptr;  // Whose turn blocksLeft_ counts
   uint32_t blocksLeft_ = 0;
   bool stepping_ = false;
   uint32_t stepCallbacks_ = 0;

@@ -26,14 +26,14 @@ std::vector<X86Register> BuildFile() {
   for (auto [name, id] : general) file.push_back(Make(name, 64, RegisterGroup::General, A::Plain, id));
   file.push_back(Make("rip", 64, RegisterGroup::InstructionPointer, A::Plain, UC_X86_REG_RIP));
   file.push_back(Make("rflags", 64, RegisterGroup::Flags, A::Plain, UC_X86_REG_RFLAGS));
-  const std::pair<const char*, int> segments[] = {{"cs", UC_X86_REG_CS}, {"ds", UC_X86_REG_DS},
-                                                  {"es", UC_X86_REG_ES}, {"fs", UC_X86_REG_FS},
-                                                  {"gs", UC_X86_REG_GS}, {"ss", UC_X86_REG_SS}};
+  const std::pair<const char*, int> segments[] = {{"cs", UC_X86_REG_CS}, {"ds", UC_X86_REG_DS}, {"es", UC_X86_REG_ES},
+                                                  {"fs", UC_X86_REG_FS}, {"gs", UC_X86_REG_GS}, {"ss", UC_X86_REG_SS}};
   for (auto [name, id] : segments) file.push_back(Make(name, 16, RegisterGroup::Segment, A::Plain, id));
   for (auto [name, id] : segments) {
     const std::string base = std::string(name) + "_base";
     if (id == UC_X86_REG_FS || id == UC_X86_REG_GS)
-      file.push_back({{base, 64, RegisterGroup::Segment}, A::Plain,
+      file.push_back({{base, 64, RegisterGroup::Segment},
+                      A::Plain,
                       id == UC_X86_REG_FS ? UC_X86_REG_FS_BASE : UC_X86_REG_GS_BASE});
     else
       file.push_back({{base, 64, RegisterGroup::Segment}, A::SegmentBase, id});

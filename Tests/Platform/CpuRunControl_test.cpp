@@ -1,0 +1,162 @@
+// Running, halting, stepping and breaking the emulated CPUs, and what the
+// executing CPU sees of memory written from outside.
+#include "CpuTestSupport.h"
+
+namespace vxt::test {
+namespace {
+
+constexpr uint64_t kCode = 0x20000;
+constexpr uint64_t kData = 0x3000;
+
+// mov rax, imm64; mov [0x3000], rax; jmp $
+std::vector<uint8_t> StoreProgram(uint64_t value) {
+  std::vector<uint8_t> code = {0x48, 0xB8};
+  for (int byte = 0; byte < 8; ++byte) code.push_back(static_cast<uint8_t>(value >> (8 * byte)));
+  code.insert(code.end(), {0x48, 0x89, 0x04, 0x25, 0x00, 0x30, 0x00, 0x00, 0xEB, 0xFE});
+  return code;
+}
+// 0: inc rcx; 3: inc rcx; 6: jmp 0
+const std::vector<uint8_t> kCountProgram = {0x48, 0xFF, 0xC1, 0x48, 0xFF, 0xC1, 0xEB, 0xF8};
+// 0: mov [0x3000], rcx; 8: inc rcx; 11: jmp 0
+const std::vector<uint8_t> kStoreCountProgram = {0x48, 0x89, 0x0C, 0x25, 0x00, 0x30, 0x00,
+                                                 0x00, 0x48, 0xFF, 0xC1, 0xEB, 0xF3};
+
+// Thread 0 halted with its rip at `program`, rcx 0; the others run on.
+void RunOnThreadZero(const CpuTarget& target, const std::vector<uint8_t>& program, bool go) {
+  target.WaitForFirmwareLoop();
+  ASSERT_EQ(target.Cpus().Halt(0), CpuResult::Ok);
+  target.Write(kCode, program);
+  target.SetRegister(0, "rip", kCode);
+  target.SetRegister(0, "rcx", 0);
+  if (go) ASSERT_EQ(target.Cpus().Go(0), CpuResult::Ok);
+}
+
+TEST(CpuRunControlTest, CodeWrittenFromOutsideIsWhatTheCpuExecutes) {
+  CpuTarget target;
+  RunOnThreadZero(target, StoreProgram(0x1111), true);
+  EXPECT_TRUE(WaitForCondition([&] { return target.ReadQword(kData) == 0x1111; }));
+  // Rewriting code already translated: the old translation must not run.
+  ASSERT_EQ(target.Cpus().Halt(0), CpuResult::Ok);
+  target.Write(kCode, StoreProgram(0x2222));
+  target.SetRegister(0, "rip", kCode);
+  ASSERT_EQ(target.Cpus().Go(0), CpuResult::Ok);
+  EXPECT_TRUE(WaitForCondition([&] { return target.ReadQword(kData) == 0x2222; })) << target.ReadQword(kData);
+}
+
+// Every firmware iteration adds 1 to the thread's own counter, then 1 to the
+// shared one: a halt between the two leaves the first ahead by one, a halt
+// that replays or drops a store leaves them apart for good.
+TEST(CpuRunControlTest, HaltsArePreciseAndResumable) {
+  CpuTarget target;
+  target.WaitForFirmwareLoop();
+  const uint32_t threads = target.Cpus().ThreadCount();
+  auto ahead = [&] {
+    uint64_t own = 0;
+    for (uint32_t apicId = 0; apicId < threads; ++apicId) own += target.ReadQword(ThreadCounter(apicId));
+    return static_cast<int64_t>(own - target.ReadQword(kSharedCounter));
+  };
+  uint64_t last = 0;
+  for (int cycle = 0; cycle < 40; ++cycle) {
+    ASSERT_EQ(target.Cpus().HaltAll(), CpuResult::Ok);
+    const int64_t difference = ahead();
+    EXPECT_GE(difference, 0) << cycle;
+    EXPECT_LE(difference, static_cast<int64_t>(threads)) << cycle;
+    const uint64_t shared = target.ReadQword(kSharedCounter);
+    EXPECT_GE(shared, last);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    EXPECT_EQ(target.ReadQword(kSharedCounter), shared) << "a halted domain moved";
+    last = shared;
+    ASSERT_EQ(target.Cpus().GoAll(), CpuResult::Ok);
+  }
+  EXPECT_TRUE(WaitForCondition([&] { return target.ReadQword(kSharedCounter) > last; }));
+}
+
+TEST(CpuRunControlTest, StepsAndBreakpointsStopWhereTheySay) {
+  CpuTarget target;
+  StopLog log(target.Cpus());
+  RunOnThreadZero(target, kCountProgram, false);
+  struct Expected {
+    uint64_t rip;
+    uint64_t rcx;
+  };
+  for (Expected expected : {Expected{3, 1}, Expected{6, 2}, Expected{0, 2}, Expected{3, 3}}) {
+    log.Clear();
+    ASSERT_EQ(target.Cpus().Step(0), CpuResult::Ok);
+    EXPECT_EQ(target.Register(0, "rip"), kCode + expected.rip);
+    EXPECT_EQ(target.Register(0, "rcx"), expected.rcx);
+    ASSERT_EQ(log.Events().size(), 1u);
+    EXPECT_EQ(log.Events()[0].reason, StopReason::Step);
+    EXPECT_EQ(log.Events()[0].address, kCode + expected.rip);
+  }
+  // Resumed at the breakpoint, the thread executes its instruction first and
+  // comes back to it one round later.
+  uint32_t id = 0;
+  ASSERT_EQ(target.Cpus().AddBreakpoint({BreakpointKind::Execution, kCode + 3, DataAccess::Write, 1, 0}, id),
+            CpuResult::Ok);
+  for (uint64_t rcx : {5u, 7u}) {
+    log.Clear();
+    ASSERT_EQ(target.Cpus().Go(0), CpuResult::Ok);
+    const auto hit = log.WaitFor(StopReason::ExecutionBreakpoint);
+    ASSERT_TRUE(hit);
+    EXPECT_EQ(hit->address, kCode + 3);
+    EXPECT_EQ(hit->breakpointId, id);
+    EXPECT_EQ(target.Register(0, "rcx"), rcx);
+  }
+  ASSERT_EQ(target.Cpus().RemoveBreakpoint(id), CpuResult::Ok);
+  // A data breakpoint stops after the access, before the next instruction.
+  target.Write(kCode, kStoreCountProgram);
+  target.SetRegister(0, "rip", kCode);
+  ASSERT_EQ(target.Cpus().AddBreakpoint({BreakpointKind::Data, kData, DataAccess::Write, 8, 0}, id), CpuResult::Ok);
+  log.Clear();
+  ASSERT_EQ(target.Cpus().Go(0), CpuResult::Ok);
+  const auto hit = log.WaitFor(StopReason::DataBreakpoint);
+  ASSERT_TRUE(hit);
+  EXPECT_EQ(hit->dataAddress, kData);
+  EXPECT_EQ(hit->address, kCode + 8);
+  EXPECT_EQ(target.Register(0, "rip"), kCode + 8);
+  EXPECT_EQ(target.ReadQword(kData), target.Register(0, "rcx"));
+}
+
+// All threads run the same locked loop; thread 0 stops at its end and its
+// listener halts the others at once. Started twice from the same state, the
+// domain ends in the same state.
+TEST(CpuRunControlTest, ThreadsOfADomainRunDeterministically) {
+  // 0: inc qword [rbx+0x3000]; 7: lock inc qword [0x3100]; 16: inc rcx;
+  // 19: cmp rcx, 200000; 26: jne 0; 28: hlt
+  const std::vector<uint8_t> program = {0x48, 0xFF, 0x83, 0x00, 0x30, 0x00, 0x00, 0xF0, 0x48, 0xFF,
+                                        0x04, 0x25, 0x00, 0x31, 0x00, 0x00, 0x48, 0xFF, 0xC1, 0x48,
+                                        0x81, 0xF9, 0x40, 0x0D, 0x03, 0x00, 0x75, 0xE4, 0xF4};
+  auto run = [&] {
+    CpuTarget target;
+    target.WaitForFirmwareLoop();
+    EXPECT_EQ(target.Cpus().HaltAll(), CpuResult::Ok);
+    target.Write(kCode, program);
+    target.Write(kData, std::vector<uint8_t>(0x108, 0));
+    for (uint32_t thread = 0; thread < target.Cpus().ThreadCount(); ++thread) {
+      target.SetRegister(thread, "rip", kCode);
+      target.SetRegister(thread, "rbx", 8 * thread);
+      target.SetRegister(thread, "rcx", 0);
+    }
+    uint32_t id = 0;
+    EXPECT_EQ(target.Cpus().AddBreakpoint({BreakpointKind::Execution, kCode + 28, DataAccess::Write, 1, 0}, id),
+              CpuResult::Ok);
+    StopLog log(target.Cpus(), [&](const StopEvent& event) {
+      if (event.reason == StopReason::ExecutionBreakpoint) target.Cpus().HaltAll();
+    });
+    EXPECT_EQ(target.Cpus().GoAll(), CpuResult::Ok);
+    EXPECT_TRUE(log.WaitFor(StopReason::ExecutionBreakpoint));
+    std::vector<uint64_t> state;
+    for (uint32_t thread = 0; thread < target.Cpus().ThreadCount(); ++thread) {
+      state.push_back(target.ReadQword(kData + 8 * thread));
+      state.push_back(target.Register(thread, "rip"));
+    }
+    state.push_back(target.ReadQword(kData + 0x100));
+    return state;
+  };
+  const std::vector<uint64_t> first = run();
+  EXPECT_EQ(first[0], 200000u);
+  EXPECT_EQ(run(), first);
+}
+
+}  // namespace
+}  // namespace vxt::test
