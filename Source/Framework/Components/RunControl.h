@@ -1,15 +1,84 @@
 // The RunControl component: run control, memory and registers of the target.
+//
+// Every operation returns an internal code, 0 for success. Operations that
+// give an operation token run in the background from the caller's point of
+// view: the component writes the token and the outcome, and a read's value,
+// come through the OperationReceipt component. A library object (BitData)
+// handed in belongs to the caller and is valid only for the call; the
+// component copies what it keeps. Pointers are checked here, not trusted.
 #pragma once
 
 #include <cstdint>
 
+#include "BitData.h"
 #include "PlatformApi.h"
+#include "VXT_Records.h"
+
+// Length of one register name of GetRegisters, terminating zero included.
+inline constexpr uint32_t kRegisterNameSize = 64;
 
 struct RunControlComponent {
   uint32_t (*Initialize)();
   uint32_t (*Uninitialize)();
   // Whether run control events are to be delivered now: `active` 1 or 0.
   uint32_t (*IsEventDeliveryActive)(uint32_t* active);
+
+  // --- Memory ---------------------------------------------------------------
+  // `byteCount` units of `accessWidth` bytes (1, 2, 4 or 8); 0 reads bytes
+  // the way the target finds best. The value is the bytes read, in order.
+  uint32_t (*ReadMemory)(uint32_t deviceId, const VXT_Address* address, int32_t byteCount, uint32_t accessWidth,
+                         uint64_t* operationToken);
+  // Writes the first `byteCount` units of `data`.
+  uint32_t (*WriteMemory)(uint32_t deviceId, const VXT_Address* address, int32_t byteCount, uint32_t accessWidth,
+                          const BitData* data, uint64_t* operationToken);
+  // `portByteSize` 1, 2 or 4.
+  uint32_t (*ReadIO)(uint32_t deviceId, int32_t port, uint32_t portByteSize, uint64_t* operationToken);
+  uint32_t (*WriteIO)(uint32_t deviceId, int32_t port, uint32_t portByteSize, const BitData* value,
+                      uint64_t* operationToken);
+  uint32_t (*ConvertAddress)(uint32_t deviceId, const VXT_Address* sourceAddress, VXT_AddressType destAddressType,
+                             VXT_Address* destAddress);
+  // `buffer` holds at least VXT_ADDRESS_TEXT_SIZE characters.
+  uint32_t (*AddressToString)(const VXT_Address* address, char* buffer);
+  uint32_t (*AddressFromString)(const char* addressAsString, VXT_Address* address);
+  uint32_t (*InvalidateCache)(uint32_t deviceId, bool writeModifiedCacheToMainMemory, uint64_t* operationToken);
+  uint32_t (*LoadMemory)(uint32_t deviceId, const char* fileName, const VXT_Address* fromAddress,
+                         const VXT_Address* toAddress, const char* fileType, const char* loadOptions,
+                         uint64_t* operationToken);
+  uint32_t (*SaveMemory)(uint32_t deviceId, const char* fileName, const VXT_Address* fromAddress,
+                         const VXT_Address* toAddress, bool overwriteFile, const char* fileType,
+                         const char* saveOptions, uint64_t* operationToken);
+
+  // --- Registers ------------------------------------------------------------
+  uint32_t (*ReadMsr)(uint32_t deviceId, uint32_t msr, uint64_t* operationToken);
+  uint32_t (*WriteMsr)(uint32_t deviceId, uint32_t msr, const BitData* value, uint64_t* operationToken);
+  // One token for each of the `numRegisters` registers.
+  uint32_t (*ReadMsrs)(uint32_t deviceId, const uint32_t* msrs, uint32_t numRegisters, uint64_t* operationTokens);
+  uint32_t (*WriteMsrs)(uint32_t deviceId, const uint32_t* msrs, uint32_t numRegisters, const BitData* const* values,
+                        uint64_t* operationTokens);
+  uint32_t (*ReadRegister)(uint32_t deviceId, const char* registerName, uint64_t* operationToken);
+  uint32_t (*WriteRegister)(uint32_t deviceId, const char* registerName, const BitData* value,
+                            uint64_t* operationToken);
+  uint32_t (*ReadRegisters)(uint32_t deviceId, const char* const* registerNames, uint32_t numRegisters,
+                            uint64_t* operationTokens);
+  uint32_t (*WriteRegisters)(uint32_t deviceId, const char* const* registerNames, uint32_t numRegisters,
+                             const BitData* const* values, uint64_t* operationTokens);
+  // `whichRegister` a VXT_CpuidRegister; `valueWidthInDwords` is 1.
+  uint32_t (*ReadCPUIDValue)(uint32_t deviceId, uint32_t inputEax, uint32_t inputEcx, uint32_t whichRegister,
+                             uint32_t valueWidthInDwords, uint64_t* operationToken);
+  uint32_t (*ReadAPICIDValue)(uint32_t deviceId, uint64_t* operationToken);
+  uint32_t (*GetNumRegisters)(uint32_t deviceId, uint32_t* numRegisters);
+  // Names of kRegisterNameSize characters, one after the other.
+  uint32_t (*GetRegisters)(uint32_t deviceId, uint32_t maxNumRegisters, char (*registerNames)[kRegisterNameSize]);
+
+  // --- Assembler ------------------------------------------------------------
+  // `instructionType` a VXT_InstructionType.
+  uint32_t (*Assemble)(uint32_t deviceId, uint32_t instructionType, const char* instruction,
+                       uint64_t instructionAddressOffset, uint32_t maxBufferSize, uint8_t* outputBuffer,
+                       uint32_t* numBytesAssembled);
+  // `outputBuffer` holds at least VXT_DISASSEMBLY_TEXT_SIZE characters.
+  uint32_t (*Disassemble)(uint32_t deviceId, uint32_t instructionType, uint32_t inputBufferSize,
+                          const uint8_t* inputBuffer, uint64_t instructionAddressOffset, char* outputBuffer,
+                          uint32_t* numBytesDisassembled);
 };
 
 VOXTREL_PLATFORM_API uint32_t Voxtrel_GetRunControl(const RunControlComponent** table);

@@ -2,6 +2,7 @@
 // target's threads.
 #include "RunControl.h"
 #include "Cpu/CpuDomains.h"
+#include "RunControl/RunControlOperations.h"
 #include "RunControl/RunControlState.h"
 #include "Support/ComponentCall.h"
 #include "Target/PostFailure.h"
@@ -32,7 +33,18 @@ uint32_t Uninitialize() {
   return 0;
 }
 
-constexpr RunControlComponent kRunControl{&Initialize, &Uninitialize, &IsEventDeliveryActive};
+constexpr RunControlComponent kRunControl{
+    &Initialize,      &Uninitialize,    &IsEventDeliveryActive,
+    // Memory
+    &ReadMemory,      &WriteMemory,     &ReadIO,          &WriteIO,          &ConvertAddress,
+    &AddressToString, &AddressFromString, &InvalidateCache, &LoadMemory,     &SaveMemory,
+    // Registers
+    &ReadMsr,         &WriteMsr,        &ReadMsrs,        &WriteMsrs,        &ReadRegister,
+    &WriteRegister,   &ReadRegisters,   &WriteRegisters,  &ReadCPUIDValue,   &ReadAPICIDValue,
+    &GetNumRegisters, &GetRegisters,
+    // Assembler
+    &Assemble,        &Disassemble,
+};
 
 }  // namespace
 

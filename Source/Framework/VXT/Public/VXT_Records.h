@@ -9,6 +9,12 @@
 
 inline constexpr uint32_t VXT_BITDATA_SIZE = 16;
 inline constexpr uint32_t VXT_ADDRESS_SIZE = 24;
+// Characters an address takes as text (Memory service's AddressToString),
+// terminating zero included.
+inline constexpr uint32_t VXT_ADDRESS_TEXT_SIZE = 64;
+// Characters one disassembled instruction takes as text (AsmDasm service's
+// Disassemble), terminating zero included.
+inline constexpr uint32_t VXT_DISASSEMBLY_TEXT_SIZE = 256;
 
 // A client's reference to a bit vector held by the library. The client
 // allocates the record; the library fills it.

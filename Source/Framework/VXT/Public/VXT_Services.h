@@ -2,8 +2,11 @@
 #pragma once
 
 #include "IInternalService_Event.h"
+#include "IInternalService_AsmDasm.h"
 #include "IInternalService_BitData.h"
 #include "IInternalService_BitDataOperations.h"
 #include "IInternalService_Device.h"
 #include "IInternalService_General.h"
+#include "IInternalService_Memory.h"
 #include "IInternalService_OperationReceipt.h"
+#include "IInternalService_Register.h"

@@ -1,11 +1,14 @@
 #include "ServiceTable.h"
 
+#include "InProc_AsmDasm.h"
 #include "InProc_Event.h"
 #include "InProc_BitData.h"
 #include "InProc_BitDataOperations.h"
 #include "InProc_Device.h"
 #include "InProc_General.h"
+#include "InProc_Memory.h"
 #include "InProc_OperationReceipt.h"
+#include "InProc_Register.h"
 #include "VXT_ServiceIds.h"
 
 namespace vxt {
@@ -22,6 +25,12 @@ void* FindService(uint32_t serviceId) {
       return static_cast<IInternalService_Event*>(&InProc_Event::Instance());
     case VXT_Service_General:
       return static_cast<IInternalService_General*>(&InProc_General::Instance());
+    case VXT_Service_Memory:
+      return static_cast<IInternalService_Memory*>(&InProc_Memory::Instance());
+    case VXT_Service_Register:
+      return static_cast<IInternalService_Register*>(&InProc_Register::Instance());
+    case VXT_Service_AsmDasm:
+      return static_cast<IInternalService_AsmDasm*>(&InProc_AsmDasm::Instance());
     case VXT_Service_OperationReceipt:
       return static_cast<IInternalService_OperationReceipt*>(&InProc_OperationReceipt::Instance());
     default:
