@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "PlatformApi.h"
+#include "JtagTestControl.h"
 
 namespace voxtrel::testing {
 
