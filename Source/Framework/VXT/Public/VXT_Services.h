@@ -6,4 +6,7 @@
 #include "IInternalService_BitDataOperations.h"
 #include "IInternalService_Device.h"
 #include "IInternalService_General.h"
+#include "IInternalService_JtagAccess.h"
+#include "IInternalService_JtagConfiguration.h"
+#include "IInternalService_JtagDiagnostic.h"
 #include "IInternalService_OperationReceipt.h"

@@ -5,6 +5,9 @@
 #include "InProc_BitDataOperations.h"
 #include "InProc_Device.h"
 #include "InProc_General.h"
+#include "InProc_JtagAccess.h"
+#include "InProc_JtagConfiguration.h"
+#include "InProc_JtagDiagnostic.h"
 #include "InProc_OperationReceipt.h"
 #include "VXT_ServiceIds.h"
 
@@ -22,6 +25,12 @@ void* FindService(uint32_t serviceId) {
       return static_cast<IInternalService_Event*>(&InProc_Event::Instance());
     case VXT_Service_General:
       return static_cast<IInternalService_General*>(&InProc_General::Instance());
+    case VXT_Service_JtagAccess:
+      return static_cast<IInternalService_JtagAccess*>(&InProc_JtagAccess::Instance());
+    case VXT_Service_JtagConfiguration:
+      return static_cast<IInternalService_JtagConfiguration*>(&InProc_JtagConfiguration::Instance());
+    case VXT_Service_JtagDiagnostic:
+      return static_cast<IInternalService_JtagDiagnostic*>(&InProc_JtagDiagnostic::Instance());
     case VXT_Service_OperationReceipt:
       return static_cast<IInternalService_OperationReceipt*>(&InProc_OperationReceipt::Instance());
     default:
