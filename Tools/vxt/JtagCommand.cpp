@@ -149,6 +149,9 @@ int Jtag(const CommandArguments& arguments, const SessionOptions& options, std::
     Need(values, 2, "irscan TAP VALUE");
     const uint32_t tap = ResolveDevice(devices, values[0]);
     const uint32_t irLength = IrLengthOf(session, tap);
+    if (irLength < 64 && Number(values[1]) >> irLength != 0)
+      throw std::invalid_argument(values[1] + " does not fit the " + std::to_string(irLength) +
+                                  "-bit instruction register of " + values[0]);
     port.IrDrScan(tap, irLength, Number(values[1]), 0, 0);
     out << "loaded    " << Hex(Number(values[1]), (irLength + 3) / 4) << " into " << IdentifierOf(devices, tap) << '\n';
     return 0;
