@@ -1,8 +1,10 @@
 // The diagnostic service on the default chain, sound and with each fault
 // the platform can put on its TDI-TDO path.
+#include <functional>
 #include <string>
 #include <vector>
 
+#include "Error.h"
 #include "JtagTestSupport.h"
 
 namespace vxt::test {
@@ -68,6 +70,103 @@ TEST_F(JtagTest, CaptureDrGivesTheLengthFoundAndTheCapturedValue) {
   ASSERT_EQ(bits->ToUInt64(&dr, 2, &value), VXT_SUCCESS);
   EXPECT_EQ(static_cast<uint32_t>(value), kCpuIdcode);
   EXPECT_EQ(traits, VXT_JtagTdiTdoContinuity_GOOD);
+}
+
+}  // namespace
+}  // namespace vxt::test
+
+namespace vxt::test {
+namespace {
+
+using namespace jtag;
+
+TEST_F(JtagTest, DiagnosticChecksRunInTheirOrderBeforeTheComponent) {
+  VXT_BitData ir = Vector(18, 0x3ffff);
+  VXT_BitData held = Vector(4, 0x5);
+  VXT_BitData record = EmptyRecord();
+  VXT_BitData* withNulls[3] = {nullptr, &record, nullptr};
+  uint32_t idcodes[1] = {};
+  int32_t count = 0;
+  const std::string prefix = "InProc_JtagDiagnostic::";
+  struct Case {
+    std::function<VXT_Result()> call;
+    VXT_Result code;
+    std::string message;
+  };
+  const Case cases[] = {
+      {[&] { return diagnostic->TapResetGetIdcodes(kChain, 0, nullptr, nullptr, nullptr); },
+       static_cast<VXT_Result>(0x80000002),
+       prefix + "TapResetGetIdcodes() argument error (maxDeviceCount) : Must be a positive non-zero integer"},
+      {[&] { return diagnostic->TapResetGetIdcodes(kChain, 1, idcodes, nullptr, nullptr); },
+       static_cast<VXT_Result>(0x80000001), prefix + "TapResetGetIdcodes() argument error (numDevices) : Null pointer"},
+      {[&] { return diagnostic->CaptureDr(kChain, &ir, -1, &record, nullptr); }, static_cast<VXT_Result>(0x80000002),
+       prefix + "CaptureDr() argument error (maxDrLength) : Must be a positive non-zero integer"},
+      {[&] { return diagnostic->CaptureIrBypass(kChain, 0, 0, withNulls, &count, nullptr); },
+       static_cast<VXT_Result>(0x80000002),
+       prefix + "CaptureIrBypass() argument error (maxDeviceCount) : Must be a positive non-zero integer"},
+      {[&] { return diagnostic->CaptureIrBypass(kChain, 64, 3, withNulls, &count, nullptr); },
+       static_cast<VXT_Result>(0x80000001),
+       prefix + "CaptureIrBypass() argument error (capturedIrValue[0]) : Null pointer" + prefix +
+           "CaptureIrBypass() argument error (capturedIrValue[2]) : Null pointer"},
+      {[&] { return diagnostic->GetLockingClient(kChain, nullptr); }, static_cast<VXT_Result>(0x80000001),
+       prefix + "GetLockingClient() argument error (clientIdentifier) : Null pointer"},
+  };
+  voxtrel::testing::StartRecordingCalls();
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.message);
+    EXPECT_EQ(c.call(), c.code);
+    EXPECT_EQ(std::string(GetLastErrorMessage()), c.message);
+  }
+  EXPECT_EQ(voxtrel::testing::CallCount("Jtag.TapResetGetIdcodes") + voxtrel::testing::CallCount("Jtag.CaptureDr") +
+                voxtrel::testing::CallCount("Jtag.CaptureIrBypass") +
+                voxtrel::testing::CallCount("Jtag.GetLockingClient"),
+            0u);
+  // A record that holds a vector is refused, and its vector survives.
+  EXPECT_EQ(diagnostic->CaptureDr(kChain, &ir, 8, &held, nullptr), static_cast<VXT_Result>(0x80010002));
+  uint64_t value = 0;
+  EXPECT_EQ(bits->ToUInt64(&held, 0, &value), VXT_SUCCESS);
+  EXPECT_EQ(value, 0x5u);
+}
+
+// A capture the component refuses takes the new vector back through the
+// whole Destroy operation; the Out line shows the empty record.
+TEST_F(JtagTest, FailedCaptureDestroysTheVectorItMade) {
+  VXT_BitData ir = Vector(18, 0x3ffff);
+  VXT_BitData dr = EmptyRecord();
+  VXT_JtagTdiTdoContinuity traits = VXT_JtagTdiTdoContinuity_GOOD;
+  voxtrel::testing::FailWith("Jtag.CaptureDr", 0xe0002);
+  ClearTrace();
+  EXPECT_EQ(diagnostic->CaptureDr(kChain, &ir, 8, &dr, &traits), static_cast<VXT_Result>(0x80040004));
+  EXPECT_EQ(dr.dataHandle, 0u);
+  const std::vector<std::string> trace = Trace();
+  ASSERT_GE(trace.size(), 4u);
+  EXPECT_EQ(trace[1].rfind("In  InProc_BitData::Destroy(bitData = {bitSize = 8 dataHandle = 0x", 0), 0u) << trace[1];
+  EXPECT_EQ(trace.back(),
+            "Out InProc_JtagDiagnostic::CaptureDr(drValue = {bitSize = 0 dataHandle = 0x0000000000000000} "
+            "detectedTraits = GOOD) ErrorCode = 0x80040004 [ClientID: 3]");
+}
+
+TEST_F(JtagTest, ConfigurationAnswersIrLengthsAndEncryptedDebug) {
+  uint32_t value = 77;
+  EXPECT_EQ(configuration->GetJtagChainCount(0x02000000, &value), static_cast<VXT_Result>(0x80000004));
+  EXPECT_EQ(value, 77u) << "not implemented: the caller's value stays";
+  EXPECT_EQ(std::string(GetLastErrorMessage()), Voxtrel_ErrorGetDefaultMessage(0x20003));
+  EXPECT_EQ(configuration->GetJtagChainDevices(kChain, 4, nullptr), static_cast<VXT_Result>(0x80000001));
+  const std::pair<uint32_t, uint32_t> lengths[] = {{kChain, 18}, {kCpuTap, 8}, {kChipsetTap, 4}};
+  for (const auto& [device, length] : lengths) {
+    ASSERT_EQ(configuration->GetDeviceIrLength(device, &value), VXT_SUCCESS);
+    EXPECT_EQ(value, length);
+  }
+  EXPECT_EQ(configuration->GetDeviceIrLength(0x04000000, &value), static_cast<VXT_Result>(0x80040007));
+  for (const uint32_t on : {1u, 0u}) {
+    ASSERT_EQ(on ? configuration->StartEncryptedDebug(kCpuTap) : configuration->StopEncryptedDebug(kCpuTap),
+              VXT_SUCCESS);
+    ASSERT_EQ(configuration->GetEncryptedDebugStatus(kCpuTap, &value), VXT_SUCCESS);
+    EXPECT_EQ(value, on);
+  }
+  EXPECT_EQ(voxtrel::testing::TelemetryCounter("Server_Lifespan", "VXT_Call", "Method",
+                                               "JtagConfiguration::StartEncryptedDebug"),
+            1u);
 }
 
 }  // namespace
