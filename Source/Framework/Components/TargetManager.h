@@ -117,6 +117,9 @@ struct TargetManagerComponent {
                               const TargetManager_TapController* tapControllers);
   uint32_t (*SetDeviceEnabled)(uint32_t deviceId, bool enabled);
   uint32_t (*IsDeviceEnabled)(uint32_t deviceId, bool* enabled);
+  // Encrypted debug of a device, on and off; the Jtag component reports it.
+  uint32_t (*StartEncryptedDebug)(uint32_t deviceId);
+  uint32_t (*StopEncryptedDebug)(uint32_t deviceId);
 };
 
 VOXTREL_PLATFORM_API uint32_t Voxtrel_GetTargetManager(const TargetManagerComponent** table);

@@ -40,6 +40,11 @@ struct TapInstruction {
   std::string name;
   uint64_t opcode = 0;
   uint32_t drLength = 0;  // Bits of the data register the instruction selects
+  // The register's value after Test-Logic-Reset and the bits a scan cannot
+  // change, both from bit 0 (bits above 64 are 0). For an instruction other
+  // than IDCODE, USERCODE and BYPASS.
+  uint64_t resetValue = 0;
+  uint64_t readOnlyMask = 0;
 };
 
 struct VOXTREL_PLATFORM_API TapControllerDetails {
@@ -50,6 +55,7 @@ struct VOXTREL_PLATFORM_API TapControllerDetails {
   uint32_t irLength = 0;
   std::vector<TapInstruction> instructions;  // In the order described
   size_t resetInstruction = 0;               // Index of the instruction Test-Logic-Reset selects
+  uint32_t usercode = 0;                     // What USERCODE captures, where described
 
   const TapInstruction* FindInstruction(std::string_view name) const;
 };
@@ -97,8 +103,14 @@ struct DebugAccess {
   std::string instruction;
 };
 
+// A fault the description puts on a JTAG chain's TDI-TDO path: "" (none),
+// "open", "short", "inverted" or "corrupted".
+struct JtagChainDetails {
+  std::string fault;
+};
+
 using NodeDetails = std::variant<std::monostate, TapControllerDetails, DebugPortDetails, I2cBusDetails,
-                                 PinsInterfaceDetails, CoreGroupDetails>;
+                                 PinsInterfaceDetails, CoreGroupDetails, JtagChainDetails>;
 
 struct VOXTREL_PLATFORM_API Node {
   uint32_t id = 0;

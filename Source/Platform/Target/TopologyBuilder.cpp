@@ -320,11 +320,17 @@ class Builder {
   }
 
   void BuildJtagChain(const Json& value, const std::string& place, size_t portIndex, DomainState& domain) {
-    const ObjectReader object(value, place, kNodeMembers, {"tapControllers"});
+    const ObjectReader object(value, place, kNodeMembers, {"tapControllers", "fault"});
     std::string identifier = ReadIdentifier(object);
     if (identifier.empty()) identifier = DefaultName(domain, "JtagChain");
     const size_t index = AddNode(NodeType::JTAGScanChain, portIndex, std::move(identifier), place, domain);
     ReadCommonMembers(object, index, domain);
+    JtagChainDetails chain;
+    chain.fault = object.OptionalString("fault", kMaxIdentifierLength);
+    if (!chain.fault.empty() && chain.fault != "open" && chain.fault != "short" && chain.fault != "inverted" &&
+        chain.fault != "corrupted")
+      Fail(object.Place("fault"), "unknown fault '" + chain.fault + "' (open, short, inverted or corrupted)");
+    nodes_[index].details = std::move(chain);
     const Json& taps = object.RequiredArray("tapControllers", true);
     for (size_t position = 0; position < taps.size(); ++position)
       BuildTapController(taps[position], PlaceOf(object.Place("tapControllers"), position), index, domain);
@@ -333,7 +339,8 @@ class Builder {
   void BuildTapController(const Json& value, const std::string& place, size_t chainIndex, DomainState& domain) {
     const ObjectReader object(
         value, place, kNodeMembers,
-        {"deviceType", "deviceSubType", "stepping", "idcode", "irLength", "instructions", "resetInstruction"});
+        {"deviceType", "deviceSubType", "stepping", "idcode", "irLength", "instructions", "resetInstruction",
+         "usercode"});
     std::string identifier = ReadIdentifier(object);
     if (identifier.empty()) identifier = DefaultName(domain, "Tap");
     const size_t index = AddNode(NodeType::TAPController, chainIndex, std::move(identifier), place, domain);
@@ -346,13 +353,14 @@ class Builder {
     tap.idcode = static_cast<uint32_t>(object.RequiredUnsigned("idcode", 0, 0xffffffffu));
     if ((tap.idcode & 1u) == 0) Fail(object.Place("idcode"), "an IDCODE has bit 0 set");
     tap.irLength = static_cast<uint32_t>(object.RequiredUnsigned("irLength", 2, 64));
+    if (object.Find("usercode")) tap.usercode = static_cast<uint32_t>(object.RequiredUnsigned("usercode", 0, 0xffffffffu));
     const uint64_t maxOpcode = tap.irLength == 64 ? ~uint64_t{0} : (uint64_t{1} << tap.irLength) - 1;
 
     const Json& instructions = object.RequiredArray("instructions", true);
     std::set<uint64_t> opcodes;
     for (size_t position = 0; position < instructions.size(); ++position) {
       const std::string instructionPlace = PlaceOf(object.Place("instructions"), position);
-      const ObjectReader reader(instructions[position], instructionPlace, {"name", "opcode", "drLength"});
+      const ObjectReader reader(instructions[position], instructionPlace, {"name", "opcode", "drLength", "resetValue", "readOnlyMask"});
       TapInstruction instruction;
       instruction.name = reader.RequiredString("name", kMaxIdentifierLength);
       if (!IsInstructionName(instruction.name))
@@ -364,6 +372,9 @@ class Builder {
         Fail(reader.Place("opcode"), "opcode " + std::to_string(instruction.opcode) +
                                          " is already used by another instruction of this TAP controller");
       instruction.drLength = static_cast<uint32_t>(reader.RequiredUnsigned("drLength", 1, 65536));
+      if (reader.Find("resetValue")) instruction.resetValue = reader.RequiredUnsigned("resetValue", 0, ~uint64_t{0});
+      if (reader.Find("readOnlyMask"))
+        instruction.readOnlyMask = reader.RequiredUnsigned("readOnlyMask", 0, ~uint64_t{0});
       tap.instructions.push_back(std::move(instruction));
     }
     tap.resetInstruction = FindResetInstruction(object, tap);

@@ -1,5 +1,6 @@
 // The TargetManager component: brings the target's topology up from the
 // selected description and takes it down again.
+#include "Jtag/EncryptedDebug.h"
 #include "Support/ComponentCall.h"
 #include "Target/PostFailure.h"
 #include "Target/TargetModel.h"
@@ -86,6 +87,8 @@ constexpr TargetManagerComponent kTargetManager{
     &SpecifyTopology,
     &SetDeviceEnabled,
     &IsDeviceEnabled,
+    &jtag::StartEncryptedDebug,
+    &jtag::StopEncryptedDebug,
 };
 
 }  // namespace

@@ -13,6 +13,7 @@
 
 #include "CpuTestControl.h"
 #include "PlatformApi.h"
+#include "JtagTestControl.h"
 
 namespace voxtrel::testing {
 

@@ -8,5 +8,8 @@
 #include "IInternalService_Device.h"
 #include "IInternalService_General.h"
 #include "IInternalService_Memory.h"
+#include "IInternalService_JtagAccess.h"
+#include "IInternalService_JtagConfiguration.h"
+#include "IInternalService_JtagDiagnostic.h"
 #include "IInternalService_OperationReceipt.h"
 #include "IInternalService_Register.h"

@@ -7,6 +7,9 @@
 #include "InProc_Device.h"
 #include "InProc_General.h"
 #include "InProc_Memory.h"
+#include "InProc_JtagAccess.h"
+#include "InProc_JtagConfiguration.h"
+#include "InProc_JtagDiagnostic.h"
 #include "InProc_OperationReceipt.h"
 #include "InProc_Register.h"
 #include "VXT_ServiceIds.h"
@@ -31,6 +34,12 @@ void* FindService(uint32_t serviceId) {
       return static_cast<IInternalService_Register*>(&InProc_Register::Instance());
     case VXT_Service_AsmDasm:
       return static_cast<IInternalService_AsmDasm*>(&InProc_AsmDasm::Instance());
+    case VXT_Service_JtagAccess:
+      return static_cast<IInternalService_JtagAccess*>(&InProc_JtagAccess::Instance());
+    case VXT_Service_JtagConfiguration:
+      return static_cast<IInternalService_JtagConfiguration*>(&InProc_JtagConfiguration::Instance());
+    case VXT_Service_JtagDiagnostic:
+      return static_cast<IInternalService_JtagDiagnostic*>(&InProc_JtagDiagnostic::Instance());
     case VXT_Service_OperationReceipt:
       return static_cast<IInternalService_OperationReceipt*>(&InProc_OperationReceipt::Instance());
     default:

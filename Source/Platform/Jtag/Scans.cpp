@@ -1,0 +1,126 @@
+#include "Jtag/Scans.h"
+
+namespace voxtrel::platform::jtag {
+namespace {
+
+constexpr uint64_t kMarker = 0x5a3c96e1u;
+constexpr size_t kMarkerBits = 32;
+// A marker that differs from the one sent in this many bits or fewer has
+// come through a corrupting path.
+constexpr size_t kCorruptionTolerance = 6;
+
+void Append(Bits& to, const Bits& bits) { to.insert(to.end(), bits.begin(), bits.end()); }
+
+// The target's bits at its place in a chain-wide stream, the other TAPs'
+// given by `other(tapIndex)`, from the TDO end.
+template <class Other>
+Bits Spread(const ChainTarget& target, const Bits& own, Other other) {
+  if (target.WholeChain()) return own;
+  Bits stream;
+  for (size_t i = target.chain.Taps().size(); i-- > 0;) Append(stream, i == target.tap ? own : other(i));
+  return stream;
+}
+
+// Offset of the target's bits in a data path of one bypass bit per other TAP.
+size_t DrOffset(const ChainTarget& target) {
+  return target.WholeChain() ? 0 : target.chain.Taps().size() - 1 - target.tap;
+}
+
+size_t Mismatches(const Bits& seen, size_t offset, const Bits& expected, bool inverted) {
+  size_t count = 0;
+  for (size_t i = 0; i < expected.size(); ++i) count += (seen[offset + i] != inverted) != expected[i] ? 1 : 0;
+  return count;
+}
+
+}  // namespace
+
+size_t IrScanLength(const ChainTarget& target) {
+  if (!target.WholeChain()) return target.chain.Taps()[target.tap].IrLength();
+  size_t length = 0;
+  for (const TapController& tap : target.chain.Taps()) length += tap.IrLength();
+  return length;
+}
+
+Bits ScanIr(ChainTarget& target, const Bits& ir) {
+  const auto& taps = target.chain.Taps();
+  const Bits stream = Spread(target, ir, [&](size_t i) { return Bits(taps[i].IrLength(), true); });
+  target.chain.MoveTo(TapState::ShfIR);
+  Bits tdo = target.chain.Shift(stream, true);
+  target.chain.MoveTo(TapState::RTI);
+  if (target.WholeChain()) return tdo;
+  size_t offset = 0;
+  for (size_t i = taps.size() - 1; i > target.tap; --i) offset += taps[i].IrLength();
+  return Bits(tdo.begin() + static_cast<std::ptrdiff_t>(offset),
+              tdo.begin() + static_cast<std::ptrdiff_t>(offset + ir.size()));
+}
+
+bool HoldsInstruction(const ChainTarget& target, const Bits& ir) {
+  const auto& taps = target.chain.Taps();
+  const Bits stream = Spread(target, ir, [&](size_t i) { return Bits(taps[i].IrLength(), true); });
+  size_t offset = 0;
+  for (size_t i = taps.size(); i-- > 0;) {
+    const uint32_t length = taps[i].IrLength();
+    Bits own(stream.begin() + static_cast<std::ptrdiff_t>(offset),
+             stream.begin() + static_cast<std::ptrdiff_t>(offset + length));
+    if (NumberOf(own) != taps[i].Instruction()) return false;
+    offset += length;
+  }
+  return true;
+}
+
+Bits ScanDr(ChainTarget& target, const Bits& dr) {
+  const Bits stream = Spread(target, dr, [](size_t) { return Bits(1, false); });
+  target.chain.MoveTo(TapState::ShfDR);
+  Bits tdo = target.chain.Shift(stream, true);
+  target.chain.MoveTo(TapState::RTI);
+  const size_t offset = DrOffset(target);
+  return Bits(tdo.begin() + static_cast<std::ptrdiff_t>(offset),
+              tdo.begin() + static_cast<std::ptrdiff_t>(offset + dr.size()));
+}
+
+PathReading ReadPath(ScanChain& chain, size_t maxLength) {
+  const Bits marker = BitsOf(kMarker, kMarkerBits);
+  Bits sent = marker;
+  sent.resize(maxLength + kMarkerBits, false);
+  const Bits seen = chain.Shift(sent, false);
+
+  PathReading reading;
+  bool allOnes = true;
+  for (const bool bit : seen) allOnes = allOnes && bit;
+  if (allOnes) {
+    reading.traits = kOpen;
+    return reading;
+  }
+  // The first delay at which the marker comes out whole, plain or inverted;
+  // else the one where it comes out least damaged.
+  std::optional<size_t> closest;
+  size_t closestMismatches = kCorruptionTolerance + 1;
+  bool closestInverted = false;
+  for (size_t delay = 0; delay <= maxLength && !reading.length; ++delay) {
+    for (const bool inverted : {false, true}) {
+      const size_t mismatches = Mismatches(seen, delay, marker, inverted);
+      if (mismatches == 0) {
+        reading.length = delay;
+        reading.traits = (inverted ? kInverted : kGood) | (delay == 0 ? kShort : kGood);
+        closestInverted = inverted;
+        break;
+      }
+      if (mismatches < closestMismatches) {
+        closest = delay;
+        closestMismatches = mismatches;
+        closestInverted = inverted;
+      }
+    }
+  }
+  if (!reading.length) {
+    reading.traits = kCorruption | (closestInverted ? kInverted : kGood);
+    if (!closest) return reading;
+    reading.length = closest;
+  }
+  reading.captured.assign(seen.begin(), seen.begin() + static_cast<std::ptrdiff_t>(*reading.length));
+  if (closestInverted) reading.captured.flip();
+  chain.Shift(reading.captured, false);
+  return reading;
+}
+
+}  // namespace voxtrel::platform::jtag
