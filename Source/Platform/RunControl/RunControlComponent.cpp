@@ -4,6 +4,8 @@
 #include "Cpu/CpuDomains.h"
 #include "RunControl/RunControlOperations.h"
 #include "RunControl/RunControlState.h"
+#include "RunControl/RunOperations.h"
+#include "RunControl/StopRecords.h"
 #include "Support/ComponentCall.h"
 #include "Target/PostFailure.h"
 
@@ -23,6 +25,7 @@ uint32_t Initialize() {
     RunControlTopology().Unbind();
     return VOXTREL_POST_FAILURE(*refused);
   }
+  ListenToStops();
   return 0;
 }
 
@@ -44,6 +47,11 @@ constexpr RunControlComponent kRunControl{
     &GetNumRegisters, &GetRegisters,
     // Assembler
     &Assemble,        &Disassemble,
+    // Run control
+    &Halt,            &Go,              &HaltAll,         &GoAll,            &GetRunStatus,
+    &GetRunStatusManyThreads, &GetAllRunStatus, &Step,   &HaltAllInDomain,  &GoAllInDomain,
+    &GetBreakType,    &GetBreakSubtype, &GetBreakAddress, &GetInstructionResult, &SubmitInstruction,
+    &GetNumOperatingModes, &GetOperatingModes,
 };
 
 }  // namespace

@@ -1,0 +1,89 @@
+#include "StopRecords.h"
+
+#include <mutex>
+#include <unordered_map>
+
+#include "../Events/RunControlEvent.h"
+
+namespace voxtrel::platform::run_control {
+namespace {
+
+// Written by the domains' execution threads, read by any caller.
+std::mutex recordsMutex;
+std::unordered_map<uint32_t, StopRecord> records;
+
+void Record(uint32_t threadDeviceId, const cpu::StopEvent& stop) {
+  const StopRecord record = MakeStopRecord(stop);
+  {
+    const std::lock_guard lock(recordsMutex);
+    records[threadDeviceId] = record;
+  }
+  // Published with no lock held: a subscriber may call any operation.
+  events::RunControlEventFields fields;
+  fields.deviceId = threadDeviceId;
+  fields.address = record.address;
+  fields.breakpointId = record.breakpointId;
+  fields.breakType = record.breakType;
+  fields.breakSubType = record.breakSubtype;
+  fields.extraValue = stop.dataAddress;
+  events::PublishRunControlEvent(StopEventName(stop.reason), fields);
+}
+
+}  // namespace
+
+StopRecord MakeStopRecord(const cpu::StopEvent& stop) {
+  StopRecord record;
+  record.address = stop.address;
+  record.breakpointId = stop.breakpointId;
+  switch (stop.reason) {
+    case cpu::StopReason::ExecutionBreakpoint:
+      record.breakType = "Breakpoint";
+      record.breakSubtype = "Execution";
+      break;
+    case cpu::StopReason::DataBreakpoint:
+      record.breakType = "Breakpoint";
+      record.breakSubtype = "Data";
+      break;
+    default:
+      record.breakType = std::string(cpu::StopReasonText(stop.reason));
+  }
+  return record;
+}
+
+const char* StopEventName(cpu::StopReason reason) {
+  switch (reason) {
+    case cpu::StopReason::HaltRequest:
+      return "Halt";
+    case cpu::StopReason::ExecutionBreakpoint:
+    case cpu::StopReason::DataBreakpoint:
+      return "Breakpoint";
+    case cpu::StopReason::Shutdown:
+      return "Stop";
+    case cpu::StopReason::Step:
+    case cpu::StopReason::Reset:
+      break;
+  }
+  return "Break";
+}
+
+void ListenToStops() {
+  {
+    const std::lock_guard lock(recordsMutex);
+    records.clear();
+  }
+  for (const auto& domain : cpu::CpuDomains::Instance().Domains()) {
+    domain->backend->AddStopListener([deviceIds = domain->threadDeviceIds](const cpu::StopEvent& stop) {
+      if (stop.threadIndex < deviceIds.size()) Record(deviceIds[stop.threadIndex], stop);
+    });
+  }
+}
+
+bool LastStop(uint32_t threadDeviceId, StopRecord& record) {
+  const std::lock_guard lock(recordsMutex);
+  const auto found = records.find(threadDeviceId);
+  if (found == records.end()) return false;
+  record = found->second;
+  return true;
+}
+
+}  // namespace voxtrel::platform::run_control
