@@ -11,6 +11,7 @@
 #include <cstdint>
 
 #include "BitData.h"
+#include "IInternalService_Breakpoint.h"
 #include "PlatformApi.h"
 #include "VXT_Enumerations.h"
 #include "VXT_Records.h"
@@ -102,6 +103,25 @@ struct RunControlComponent {
   uint32_t (*SubmitInstruction)(uint32_t threadId, const char* instructionBuffer);
   uint32_t (*GetNumOperatingModes)(uint32_t deviceId, uint32_t* numOperatingModes);
   uint32_t (*GetOperatingModes)(uint32_t deviceId, uint32_t numOperatingModes, uint32_t* operatingModes);
+
+  // --- Breakpoints ----------------------------------------------------------
+  // Records are checked by the caller (size 104 or 128; arrays with the
+  // stride of their first record). Create writes the id into the record.
+  uint32_t (*CreateBreakpoint)(VXT_Breakpoint* breakpoint);
+  uint32_t (*CreateBreakpoints)(uint32_t numBreakpoints, VXT_Breakpoint* breakpoints);
+  uint32_t (*RemoveBreakpoint)(uint32_t breakpointId);
+  uint32_t (*RemoveBreakpoints)(uint32_t numBreakpoints, const VXT_Breakpoint* breakpoints);
+  uint32_t (*RemoveBreakpointsById)(uint32_t numBreakpointIds, const uint32_t* breakpointIds);
+  uint32_t (*GetBreakAllSetting)(uint32_t targetDomainId, VXT_BreakAllSetting* breakAllSetting);
+  uint32_t (*SetBreakAllSetting)(uint32_t targetDomainId, VXT_BreakAllSetting breakAllSetting);
+  uint32_t (*GetNumBreakpoints)(uint32_t targetDomainId, uint32_t* numBreakpoints);
+  uint32_t (*GetBreakpointIds)(uint32_t targetDomainId, int32_t maxBreakpoints, uint32_t* breakpointIds);
+  uint32_t (*GetBreakpoint)(uint32_t breakpointId, VXT_Breakpoint* breakpoint);
+  uint32_t (*ChangeBreakpoint)(VXT_Breakpoint* breakpoint);
+  uint32_t (*EnableBreakpoint)(uint32_t breakpointId);
+  uint32_t (*EnableAllBreakpoints)(uint32_t targetDomainId);
+  uint32_t (*DisableBreakpoint)(uint32_t breakpointId);
+  uint32_t (*DisableAllBreakpoints)(uint32_t targetDomainId);
 };
 
 // Characters of a break type or subtype text, terminating zero included.

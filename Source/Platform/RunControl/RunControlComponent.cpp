@@ -4,6 +4,7 @@
 #include "Cpu/CpuDomains.h"
 #include "RunControl/RunControlOperations.h"
 #include "RunControl/RunControlState.h"
+#include "RunControl/BreakpointRegistry.h"
 #include "RunControl/RunOperations.h"
 #include "RunControl/StopRecords.h"
 #include "Support/ComponentCall.h"
@@ -25,6 +26,7 @@ uint32_t Initialize() {
     RunControlTopology().Unbind();
     return VOXTREL_POST_FAILURE(*refused);
   }
+  ForgetBreakpoints();
   ListenToStops();
   return 0;
 }
@@ -52,6 +54,10 @@ constexpr RunControlComponent kRunControl{
     &GetRunStatusManyThreads, &GetAllRunStatus, &Step,   &HaltAllInDomain,  &GoAllInDomain,
     &GetBreakType,    &GetBreakSubtype, &GetBreakAddress, &GetInstructionResult, &SubmitInstruction,
     &GetNumOperatingModes, &GetOperatingModes,
+    // Breakpoints
+    &CreateBreakpoint, &CreateBreakpoints, &RemoveBreakpoint, &RemoveBreakpoints, &RemoveBreakpointsById,
+    &GetBreakAllSetting, &SetBreakAllSetting, &GetNumBreakpoints, &GetBreakpointIds, &GetBreakpoint,
+    &ChangeBreakpoint, &EnableBreakpoint, &EnableAllBreakpoints, &DisableBreakpoint, &DisableAllBreakpoints,
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "../Events/RunControlEvent.h"
+#include "BreakpointRegistry.h"
 
 namespace voxtrel::platform::run_control {
 namespace {
@@ -12,8 +13,10 @@ namespace {
 std::mutex recordsMutex;
 std::unordered_map<uint32_t, StopRecord> records;
 
-void Record(uint32_t threadDeviceId, const cpu::StopEvent& stop) {
-  const StopRecord record = MakeStopRecord(stop);
+void Record(const cpu::CpuDomain& domain, const cpu::StopEvent& stop) {
+  const uint32_t threadDeviceId = domain.threadDeviceIds[stop.threadIndex];
+  StopRecord record = MakeStopRecord(stop);
+  if (stop.breakpointId != 0) record.breakpointId = ComponentBreakpointId(domain.targetDomainId, stop.breakpointId);
   {
     const std::lock_guard lock(recordsMutex);
     records[threadDeviceId] = record;
@@ -72,8 +75,11 @@ void ListenToStops() {
     records.clear();
   }
   for (const auto& domain : cpu::CpuDomains::Instance().Domains()) {
-    domain->backend->AddStopListener([deviceIds = domain->threadDeviceIds](const cpu::StopEvent& stop) {
-      if (stop.threadIndex < deviceIds.size()) Record(deviceIds[stop.threadIndex], stop);
+    // The listener lives as long as the backend, which the domain owns: it
+    // must not hold the domain itself.
+    const cpu::CpuDomain* self = domain.get();
+    domain->backend->AddStopListener([self](const cpu::StopEvent& stop) {
+      if (stop.threadIndex < self->threadDeviceIds.size()) Record(*self, stop);
     });
   }
 }

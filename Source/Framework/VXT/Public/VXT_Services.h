@@ -14,3 +14,4 @@
 #include "IInternalService_OperationReceipt.h"
 #include "IInternalService_Register.h"
 #include "IInternalService_RunControl.h"
+#include "IInternalService_Breakpoint.h"
