@@ -215,10 +215,8 @@ Outcome GetWork(uint32_t id, VXT_Breakpoint* breakpoint) {
 }
 
 Outcome DomainOf(uint32_t targetDomainId) {
-  for (const auto& domain : cpu::CpuDomains::Instance().Domains()) {
-    if (domain->targetDomainId == targetDomainId) return std::nullopt;
-  }
-  return Failure{kUnknownDevice, "no target domain " + HexText(targetDomainId) + " runs emulated CPUs"};
+  std::shared_ptr<const cpu::CpuDomain> domain;
+  return FindDomain(targetDomainId, domain);
 }
 
 }  // namespace

@@ -20,6 +20,16 @@ target::Outcome FindThreads(uint32_t deviceId, cpu::CpuSelection& selection) {
   return std::nullopt;
 }
 
+target::Outcome FindDomain(uint32_t targetDomainId, std::shared_ptr<const cpu::CpuDomain>& found) {
+  for (auto& domain : cpu::CpuDomains::Instance().Domains()) {
+    if (domain->targetDomainId == targetDomainId) {
+      found = domain;
+      return std::nullopt;
+    }
+  }
+  return target::Failure{kUnknownDevice, "no target domain " + HexText(targetDomainId) + " runs emulated CPUs"};
+}
+
 namespace {
 
 target::Outcome Find(uint32_t deviceId, CpuThread& cpu, bool oneThread) {

@@ -32,16 +32,6 @@ Outcome OnEachThread(uint32_t deviceId, ThreadCall call, const char* what, uint6
   return std::nullopt;
 }
 
-Outcome FindDomain(uint32_t targetDomainId, std::shared_ptr<const cpu::CpuDomain>& found) {
-  for (auto& domain : cpu::CpuDomains::Instance().Domains()) {
-    if (domain->targetDomainId == targetDomainId) {
-      found = domain;
-      return std::nullopt;
-    }
-  }
-  return Failure{kUnknownDevice, "no target domain " + HexText(targetDomainId) + " runs emulated CPUs"};
-}
-
 Outcome OnDomains(const std::vector<std::shared_ptr<const cpu::CpuDomain>>& domains, DomainCall call,
                   const char* what, uint64_t* operationToken) {
   if (auto refused = CheckNotNull(operationToken, "operationToken")) return refused;
