@@ -21,6 +21,10 @@ struct CpuThread {
   cpu::CpuBackend& backend() const { return *domain->backend; }
 };
 
+// Every thread the device holds, for run control.
+target::Outcome FindThreads(uint32_t deviceId, cpu::CpuSelection& selection);
+// The running domain of that id.
+target::Outcome FindDomain(uint32_t targetDomainId, std::shared_ptr<const cpu::CpuDomain>& domain);
 // The first thread of the device, for memory and IO.
 target::Outcome FindCpu(uint32_t deviceId, CpuThread& cpu);
 // The device's one thread, for registers.

@@ -4,6 +4,9 @@
 #include "Cpu/CpuDomains.h"
 #include "RunControl/RunControlOperations.h"
 #include "RunControl/RunControlState.h"
+#include "RunControl/BreakpointRegistry.h"
+#include "RunControl/RunOperations.h"
+#include "RunControl/StopRecords.h"
 #include "Support/ComponentCall.h"
 #include "Target/PostFailure.h"
 
@@ -23,6 +26,8 @@ uint32_t Initialize() {
     RunControlTopology().Unbind();
     return VOXTREL_POST_FAILURE(*refused);
   }
+  ForgetBreakpoints();
+  ListenToStops();
   return 0;
 }
 
@@ -44,6 +49,15 @@ constexpr RunControlComponent kRunControl{
     &GetNumRegisters, &GetRegisters,
     // Assembler
     &Assemble,        &Disassemble,
+    // Run control
+    &Halt,            &Go,              &HaltAll,         &GoAll,            &GetRunStatus,
+    &GetRunStatusManyThreads, &GetAllRunStatus, &Step,   &HaltAllInDomain,  &GoAllInDomain,
+    &GetBreakType,    &GetBreakSubtype, &GetBreakAddress, &GetInstructionResult, &SubmitInstruction,
+    &GetNumOperatingModes, &GetOperatingModes,
+    // Breakpoints
+    &CreateBreakpoint, &CreateBreakpoints, &RemoveBreakpoint, &RemoveBreakpoints, &RemoveBreakpointsById,
+    &GetBreakAllSetting, &SetBreakAllSetting, &GetNumBreakpoints, &GetBreakpointIds, &GetBreakpoint,
+    &ChangeBreakpoint, &EnableBreakpoint, &EnableAllBreakpoints, &DisableBreakpoint, &DisableAllBreakpoints,
 };
 
 }  // namespace

@@ -13,3 +13,5 @@
 #include "IInternalService_JtagDiagnostic.h"
 #include "IInternalService_OperationReceipt.h"
 #include "IInternalService_Register.h"
+#include "IInternalService_RunControl.h"
+#include "IInternalService_Breakpoint.h"

@@ -12,6 +12,9 @@
 #include "InProc_JtagDiagnostic.h"
 #include "InProc_OperationReceipt.h"
 #include "InProc_Register.h"
+#include "InProc_RunControl.h"
+#include "InProc_Breakpoint.h"
+#include "InProc_BreakpointManagement.h"
 #include "VXT_ServiceIds.h"
 
 namespace vxt {
@@ -32,6 +35,12 @@ void* FindService(uint32_t serviceId) {
       return static_cast<IInternalService_Memory*>(&InProc_Memory::Instance());
     case VXT_Service_Register:
       return static_cast<IInternalService_Register*>(&InProc_Register::Instance());
+    case VXT_Service_RunControl:
+      return static_cast<IInternalService_RunControl*>(&InProc_RunControl::Instance());
+    case VXT_Service_Breakpoint:
+      return static_cast<IInternalService_Breakpoint*>(&InProc_Breakpoint::Instance());
+    case VXT_Service_BreakpointManagement:
+      return static_cast<IInternalService_BreakpointManagement*>(&InProc_BreakpointManagement::Instance());
     case VXT_Service_AsmDasm:
       return static_cast<IInternalService_AsmDasm*>(&InProc_AsmDasm::Instance());
     case VXT_Service_JtagAccess:

@@ -150,7 +150,8 @@ struct InLine {
   const OperationSite& site;
   const Args& args;
   friend std::ostream& operator<<(std::ostream& out, const InLine& line) {
-    return out << "In  InProc_" << line.site.service << "::" << line.site.operation << "(" << line.args << ")";
+    const char* name = line.site.inName != nullptr ? line.site.inName : line.site.operation;
+    return out << "In  InProc_" << line.site.service << "::" << name << "(" << line.args << ")";
   }
 };
 
@@ -170,6 +171,9 @@ struct IsBehindParentheses : std::false_type {};
 template <class Args>
 struct IsBehindParentheses<BehindParentheses<Args>> : std::true_type {};
 
+// An Out line with no parentheses at all: "Out InProc_<Service>::<Op> ErrorCode = ...".
+struct BareOut {};
+
 template <class Args>
 struct OutLine {
   const OperationSite& site;
@@ -177,7 +181,9 @@ struct OutLine {
   int32_t publicCode;
   friend std::ostream& operator<<(std::ostream& out, const OutLine& line) {
     out << "Out InProc_" << line.site.service << "::" << line.site.operation;
-    if constexpr (IsBehindParentheses<Args>::value) {
+    if constexpr (std::is_same_v<Args, BareOut>) {
+      out << " ErrorCode = ";
+    } else if constexpr (IsBehindParentheses<Args>::value) {
       out << "() " << line.args.args << " ErrorCode = ";
     } else {
       out << "(" << line.args << ") ErrorCode = ";

@@ -16,6 +16,15 @@ struct OperationSite {
   uint32_t outLevel = 1;      // Level of the Out line
   bool outTrailer = true;     // Out line ends with the client id
   bool contextFirst = false;  // Error context opened ahead of the In line
+  const char* inName = nullptr;  // The In line's name of the operation, when it differs
+
+  // The In line names the operation `name`; every other line and message
+  // keeps `operation`.
+  constexpr OperationSite InNamed(const char* name) const {
+    OperationSite site = *this;
+    site.inName = name;
+    return site;
+  }
 
   // The operation counts its calls.
   constexpr OperationSite Counted() const {
