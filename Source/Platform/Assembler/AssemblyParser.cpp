@@ -34,9 +34,9 @@ constexpr std::array kSegments{
 
 using MemorySize = std::pair<std::string_view, uint16_t>;
 constexpr std::array kMemorySizes{
-    MemorySize{"byte", 1},   MemorySize{"word", 2},     MemorySize{"dword", 4},    MemorySize{"fword", 6},
-    MemorySize{"qword", 8},  MemorySize{"tbyte", 10},   MemorySize{"xmmword", 16}, MemorySize{"ymmword", 32},
-    MemorySize{"zmmword", 64},
+    MemorySize{"byte", 1},     MemorySize{"word", 2},     MemorySize{"dword", 4},
+    MemorySize{"fword", 6},    MemorySize{"qword", 8},    MemorySize{"tbyte", 10},
+    MemorySize{"xmmword", 16}, MemorySize{"ymmword", 32}, MemorySize{"zmmword", 64},
 };
 
 template <class Table>

@@ -9,7 +9,8 @@ target::Outcome Find(uint32_t deviceId, CpuThread& cpu, bool oneThread) {
   const cpu::CpuSelection selection = cpu::CpuDomains::Instance().Find(deviceId);
   const std::string device = "device " + HexText(deviceId) + ": ";
   switch (selection.result) {
-    case cpu::LookupResult::Ok: break;
+    case cpu::LookupResult::Ok:
+      break;
     case cpu::LookupResult::NotStarted:
       return target::Failure{kNotInitialized, device + std::string(cpu::LookupResultText(selection.result))};
     case cpu::LookupResult::UnknownDevice:
