@@ -270,7 +270,9 @@ class Parser {
         return Error("too many registers in a memory operand");
       }
     } else if (const auto value = ParseNumber(term)) {
-      mem.displacement += static_cast<int64_t>(negative ? ~*value + 1 : *value);
+      // Summed as unsigned numbers: the text may hold any number of terms.
+      mem.displacement =
+          static_cast<int64_t>(static_cast<uint64_t>(mem.displacement) + (negative ? ~*value + 1 : *value));
     } else {
       return Error("cannot read '" + std::string(term) + "' in a memory operand");
     }
