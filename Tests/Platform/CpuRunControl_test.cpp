@@ -167,6 +167,26 @@ TEST(CpuRunControlTest, ThreadsOfADomainRunDeterministically) {
   EXPECT_EQ(run(), first);
 }
 
+// Stepped from the reset vector, instruction by instruction through real,
+// protected and long mode, the bootstrap thread boots as when it runs: every
+// stop on the way resumes where it stopped.
+TEST(CpuRunControlTest, StepsFromResetThroughEveryModeIntoTheLoop) {
+  CpuTarget target;
+  StopLog log(target.Cpus());
+  ASSERT_EQ(target.Cpus().Reset(ResetMode::HaltAfterReset), CpuResult::Ok);
+  target.Write(ThreadCounter(0), std::vector<uint8_t>(8, 0));
+  EXPECT_EQ(target.Register(0, "rip"), 0xFFF0u);
+  EXPECT_EQ(target.Register(0, "cs_base"), 0xFFFF0000u);
+  int steps = 0;
+  while (target.ReadQword(ThreadCounter(0)) == 0 && steps < 5000) {
+    ASSERT_EQ(target.Cpus().Step(0), CpuResult::Ok);
+    ++steps;
+  }
+  EXPECT_EQ(target.ReadQword(ThreadCounter(0)), 1u) << steps << " steps";
+  for (const StopEvent& event : log.Events()) EXPECT_NE(event.reason, StopReason::Shutdown);
+  EXPECT_EQ(target.Register(0, "efer") & 0x500, 0x500u);
+}
+
 // Several client threads at once, each on its own thread of the domain,
 // while the others run: every call is served, and the halts stay precise.
 TEST(CpuRunControlTest, ClientsCallFromManyThreadsWhileTheDomainRuns) {
