@@ -45,6 +45,30 @@ TEST(CpuRunControlTest, CodeWrittenFromOutsideIsWhatTheCpuExecutes) {
   EXPECT_TRUE(WaitForCondition([&] { return target.ReadQword(kData) == 0x2222; })) << target.ReadQword(kData);
 }
 
+// HLT: the thread waits, as a CPU waits for an interrupt, through halts,
+// resumes and steps, until it is given a new rip.
+TEST(CpuRunControlTest, AThreadInHltWaitsUntilItIsSentElsewhere) {
+  CpuTarget target;
+  // 0: mov [0x3000], rcx; 8: hlt; 9: mov qword [0x3000], 0; 21: jmp $
+  const std::vector<uint8_t> program = {0x48, 0x89, 0x0C, 0x25, 0x00, 0x30, 0x00, 0x00, 0xF4, 0x48, 0xC7, 0x04,
+                                        0x25, 0x00, 0x30, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xEB, 0xFE};
+  RunOnThreadZero(target, program, false);
+  target.SetRegister(0, "rcx", 7);
+  ASSERT_EQ(target.Cpus().Go(0), CpuResult::Ok);
+  ASSERT_TRUE(WaitForCondition([&] { return target.ReadQword(kData) == 7 && target.Register(0, "rip") == kCode + 9; }));
+  RunState state = RunState::Halted;
+  EXPECT_EQ(target.Cpus().GetRunState(0, state), CpuResult::Ok);
+  EXPECT_EQ(state, RunState::Running);
+  ASSERT_EQ(target.Cpus().Halt(0), CpuResult::Ok);
+  ASSERT_EQ(target.Cpus().Step(0), CpuResult::Ok);
+  ASSERT_EQ(target.Cpus().Go(0), CpuResult::Ok);
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  EXPECT_EQ(target.ReadQword(kData), 7u) << "a waiting thread ran on";
+  EXPECT_EQ(target.Register(0, "rip"), kCode + 9);
+  target.SetRegister(0, "rip", kCode + 9);
+  EXPECT_TRUE(WaitForCondition([&] { return target.ReadQword(kData) == 0; }));
+}
+
 // Every firmware iteration adds 1 to the thread's own counter, then 1 to the
 // shared one: a halt between the two leaves the first ahead by one, a halt
 // that replays or drops a store leaves them apart for good.
