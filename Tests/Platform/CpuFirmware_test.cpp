@@ -36,9 +36,10 @@ TEST(CpuFirmwareTest, EveryShippedDescriptionBootsEveryDomain) {
     EXPECT_FALSE(domains.empty()) << name;
     for (const auto& domain : domains)
       EXPECT_TRUE(WaitForCondition([&] {
-        return voxtrel::testing::CpuUartText(domain->targetDomainId, "COM1").find("tick 00000001") !=
+        return voxtrel::testing::CpuUartText(domain->targetDomainId, "COM1").find("long mode reached") !=
                std::string::npos;
-      })) << name << " domain " << std::hex << domain->targetDomainId;
+      })) << name
+          << " domain " << std::hex << domain->targetDomainId;
   }
 }
 
