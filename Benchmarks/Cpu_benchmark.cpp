@@ -4,14 +4,10 @@
 #include <benchmark/benchmark.h>
 
 #include <chrono>
-#include <fstream>
-#include <sstream>
-#include <string>
 #include <thread>
-#include <variant>
 
 #include "../Source/Platform/Cpu/CpuDomains.h"
-#include "../Source/Platform/Target/TargetDescription.h"
+#include "../Source/Platform/Target/TargetModel.h"
 
 namespace {
 
@@ -20,14 +16,6 @@ using namespace voxtrel::platform::cpu;
 constexpr uint64_t kSharedCounter = 0x1000;  // Iterations of all threads (Firmware/Default.s)
 constexpr uint64_t kInstructionsPerIteration = 5;
 
-std::string DefaultDescription() {
-  const std::string source = __FILE__;
-  std::ifstream file(source.substr(0, source.rfind('/')) + "/../Configurations/Default.json");
-  std::stringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
-
 uint64_t Iterations(CpuBackend& cpus) {
   uint64_t value = 0;
   cpus.ReadPhysical(kSharedCounter, {reinterpret_cast<uint8_t*>(&value), 8});
@@ -35,9 +23,9 @@ uint64_t Iterations(CpuBackend& cpus) {
 }
 
 void RunFirmware(benchmark::State& state, int breakpoints) {
-  auto parsed = voxtrel::platform::target::ParseTargetDescription(DefaultDescription(), {"Default", "bench"}, {});
-  auto* description = std::get_if<voxtrel::platform::target::ParsedDescription>(&parsed);
-  if (!description || CpuDomains::Instance().Start(*description->topology) ||
+  // With nothing selected, the built-in default description.
+  auto selection = voxtrel::platform::target::TargetModel::Instance().CurrentSelection();
+  if (!selection || CpuDomains::Instance().Start(*selection->parsed.topology) ||
       CpuDomains::Instance().Domains().empty()) {
     state.SkipWithError("the default target's CPUs cannot start");
     return;

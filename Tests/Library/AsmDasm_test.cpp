@@ -41,7 +41,9 @@ TEST_F(AsmDasmTest, RefusalsAndTheirOutLines) {
        static_cast<VXT_Result>(0x80000001), head + "Assemble() argument error (outputBuffer) : Null pointer"},
       {[&] { return asmDasm->Assemble(1, VXT_InstructionType_64Bit, "frob rax", 0, 2, bytes, &size); },
        static_cast<VXT_Result>(0x80000001), "cannot assemble 'frob rax': unknown mnemonic 'frob'"},
-      {[&] { return asmDasm->Assemble(1, VXT_InstructionType_64Bit, "mov rax, 0x1122334455667788", 0, 2, bytes, &size); },
+      {[&] {
+         return asmDasm->Assemble(1, VXT_InstructionType_64Bit, "mov rax, 0x1122334455667788", 0, 2, bytes, &size);
+       },
        static_cast<VXT_Result>(0x80000013), "the instruction takes 10 bytes, the buffer holds 2"},
       {[&] { return asmDasm->Assemble(1, static_cast<VXT_InstructionType>(4), "nop", 0, 2, bytes, &size); },
        static_cast<VXT_Result>(0x80000002), "the instruction type 4 is unknown"},
@@ -51,8 +53,9 @@ TEST_F(AsmDasmTest, RefusalsAndTheirOutLines) {
   EXPECT_EQ(size, 10u) << "a short buffer learns the size it needs";
   ClearTrace();
   asmDasm->Assemble(1, VXT_InstructionType_64Bit, "nop", 0, 2, bytes, nullptr);
-  EXPECT_EQ(Trace().back(), "Out InProc_AsmDasm::Assemble(instruction = 'nop' outputBuffer = <EMPTY> "
-                            "numBytesAssembled = <NULL>) ErrorCode = 0x80000001 [ClientID: 3]");
+  EXPECT_EQ(Trace().back(),
+            "Out InProc_AsmDasm::Assemble(instruction = 'nop' outputBuffer = <EMPTY> "
+            "numBytesAssembled = <NULL>) ErrorCode = 0x80000001 [ClientID: 3]");
 }
 
 TEST_F(AsmDasmTest, TheThreadsOwnModeAssemblesWhatItDisassembles) {

@@ -1,9 +1,9 @@
 // The Memory service on the emulated target: its checks, its trace, and
 // memory and images written and read back through it.
+#include <unistd.h>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <unistd.h>
 #include <string>
 #include <vector>
 
@@ -84,7 +84,8 @@ TEST_F(MemoryTest, ChecksRefuseBeforeTheComponentIsAsked) {
       {[&] { return memory->WriteMemory(kFirstThread, &good, 2, &noVector, &token); }, kBitDataInvalid,
        head + "WriteMemory() argument error (data) : Invalid"},
       {[&] { return memory->WriteMemoryWithAccessWidth(kFirstThread, &good, 1, 3, &data, &token); },
-       kInvalidAccessWidth, head + "WriteMemoryWithAccessWidth() argument error (accessWidth) : Invalid memory access width"},
+       kInvalidAccessWidth,
+       head + "WriteMemoryWithAccessWidth() argument error (accessWidth) : Invalid memory access width"},
       {[&] { return memory->ReadMemoryWithAccessWidth(kFirstThread, &good, -1, 3, &token); }, kInvalidHandle,
        head + "ReadMemoryWithAccessWidth() argument error (count) : Count must be greater than zero."},
       {[&] { return memory->WriteMemory(kFirstThread, &good, 0x20000000, &data, &token); },
@@ -95,8 +96,7 @@ TEST_F(MemoryTest, ChecksRefuseBeforeTheComponentIsAsked) {
       {[&] { return memory->AddressFromString(nullptr, nullptr); }, kInvalidArgument,
        head + "AddressFromString() argument error (addressAsString) : Null pointer" + head +
            "AddressFromString() argument error (address) : Null pointer"},
-      {[&] { return memory->LoadMemory(kFirstThread, nullptr, &good, nullptr, "bin", "", nullptr); },
-       kInvalidArgument,
+      {[&] { return memory->LoadMemory(kFirstThread, nullptr, &good, nullptr, "bin", "", nullptr); }, kInvalidArgument,
        head + "LoadMemory() argument error (fileName) : Null pointer" + head +
            "LoadMemory() argument error (operationToken) : Null pointer"},
   });
@@ -116,23 +116,24 @@ TEST_F(MemoryTest, TraceShowsEveryArgumentInItsForm) {
             static_cast<VXT_Result>(0x80000005));
   const std::string addressText =
       "{ldtsel = 0x0000 segsel = 0x0000 offset = 0x0000000000800000 addressType = Physical}";
-  EXPECT_EQ(Trace(), (std::vector<std::string>{
-                         "In  InProc_Memory::ReadMemoryWithAccessWidth(deviceId = 0x03000000 address = " + addressText +
-                             " count = 2 accessWidth = DWord) [ClientID: 3]",
-                         "Out InProc_Memory::ReadMemoryWithAccessWidth(operationToken = " + std::string(tokenText) +
-                             ") ErrorCode = 0x00000000 [ClientID: 3]",
-                         "In  InProc_OperationReceipt::Destroy(operationToken = " + std::string(tokenText) +
-                             ") [ClientID: 3]",
-                         "Out InProc_OperationReceipt::Destroy() ErrorCode = 0x00000000 [ClientID: 3]",
-                         "In  InProc_Memory::LoadMemory(deviceId = 0x03000000fileName = '/no/such/file.bin' "
-                         "fromAddress = " + addressText + " toAddress = <NULL>fileType = 'bin'loadOptions = '') [ClientID: 3]",
-                         "VXT Error = 'cannot read '/no/such/file.bin': No such file or directory' [ClientID: 3]",
-                         "In  InProc ReportErrorMessage(<NULL>'cannot read '/no/such/file.bin': No such file or "
-                         "directory')",
-                         "Out InProc ReportErrorMessage()",
-                         "Out InProc_Memory::LoadMemory(operationToken = " + std::string(tokenText) +
-                             ") ErrorCode = 0x80000005 [ClientID: 3]",
-                     }));
+  EXPECT_EQ(Trace(),
+            (std::vector<std::string>{
+                "In  InProc_Memory::ReadMemoryWithAccessWidth(deviceId = 0x03000000 address = " + addressText +
+                    " count = 2 accessWidth = DWord) [ClientID: 3]",
+                "Out InProc_Memory::ReadMemoryWithAccessWidth(operationToken = " + std::string(tokenText) +
+                    ") ErrorCode = 0x00000000 [ClientID: 3]",
+                "In  InProc_OperationReceipt::Destroy(operationToken = " + std::string(tokenText) + ") [ClientID: 3]",
+                "Out InProc_OperationReceipt::Destroy() ErrorCode = 0x00000000 [ClientID: 3]",
+                "In  InProc_Memory::LoadMemory(deviceId = 0x03000000fileName = '/no/such/file.bin' "
+                "fromAddress = " +
+                    addressText + " toAddress = <NULL>fileType = 'bin'loadOptions = '') [ClientID: 3]",
+                "VXT Error = 'cannot read '/no/such/file.bin': No such file or directory' [ClientID: 3]",
+                "In  InProc ReportErrorMessage(<NULL>'cannot read '/no/such/file.bin': No such file or "
+                "directory')",
+                "Out InProc ReportErrorMessage()",
+                "Out InProc_Memory::LoadMemory(operationToken = " + std::string(tokenText) +
+                    ") ErrorCode = 0x80000005 [ClientID: 3]",
+            }));
 }
 
 TEST_F(MemoryTest, WrittenMemoryReadsBackThroughEveryWidthAndAddressKind) {

@@ -34,8 +34,8 @@ TEST_F(RegisterTest, ChecksWalkEveryNameAndStopBeforeTheComponent) {
       {[&] { return registers->ReadRegisters(kFirstThread, names, tokens, 4); }, kInvalidArgument,
        head + "ReadRegisters() argument error (registerNames[1]) : Null pointer" + head +
            "ReadRegisters() argument error (registerNames[3]) : Null pointer"},
-      {[&] { return registers->WriteMsrs(kFirstThread, msrs, values, tokens, 2); },
-       static_cast<VXT_Result>(0x80010003), head + "WriteMsrs() argument error Invalid"},
+      {[&] { return registers->WriteMsrs(kFirstThread, msrs, values, tokens, 2); }, static_cast<VXT_Result>(0x80010003),
+       head + "WriteMsrs() argument error Invalid"},
       {[&] { return registers->WriteRegisters(kFirstThread, names, values, nullptr, 0); }, kInvalidArgument,
        head + "WriteRegisters() argument error (operationTokens) : Null pointer"},
       {[&] { return registers->ReadAPICIDValue(kFirstThread, nullptr); }, kInvalidArgument,
@@ -93,8 +93,10 @@ TEST_F(RegisterTest, RefusalsNameTheRegisterAndChangeNothing) {
       {static_cast<VXT_Result>(0x80160000), [&] { return registers->ReadRegister(kFirstThread, "xyz", tokens); }},
       {static_cast<VXT_Result>(0x80040007), [&] { return registers->ReadRegister(kTargetDomain, "rax", tokens); }},
       {static_cast<VXT_Result>(0x80000009), [&] { return registers->ReadRegister(0x03FFFFFF, "rax", tokens); }},
-      {static_cast<VXT_Result>(0x80000002), [&] { return registers->WriteRegister(kFirstThread, "dr1", &tooWide, tokens); }},
-      {static_cast<VXT_Result>(0x80000002), [&] { return registers->WriteRegisters(kFirstThread, names, pair, tokens, 2); }},
+      {static_cast<VXT_Result>(0x80000002),
+       [&] { return registers->WriteRegister(kFirstThread, "dr1", &tooWide, tokens); }},
+      {static_cast<VXT_Result>(0x80000002),
+       [&] { return registers->WriteRegisters(kFirstThread, names, pair, tokens, 2); }},
       {static_cast<VXT_Result>(0x80160001), [&] { return registers->ReadMsr(kFirstThread, 0x12345, tokens); }},
   };
   for (const auto& [result, call] : refusals) {

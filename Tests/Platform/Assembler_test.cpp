@@ -73,6 +73,7 @@ TEST(Assembler, EncodesWhatTheTextSays) {
       {InstructionMode::Bits64, 0, "lock xadd qword ptr [rbx], rax", {0xF0, 0x48, 0x0F, 0xC1, 0x03}},
       {InstructionMode::Bits64, 0, "mov rax, qword ptr [rip+0x10]", {0x48, 0x8B, 0x05, 0x10, 0x00, 0x00, 0x00}},
       {InstructionMode::Bits64, 0, "mov eax, dword ptr fs:[rax]", {0x64, 0x8B, 0x00}},
+      {InstructionMode::Bits64, 0, "mov eax, [rax+0x7FFFFFFFFFFFFFFF+0x7FFFFFFFFFFFFFFF]", {0x8B, 0x40, 0xFE}},
       {InstructionMode::Bits32, 0x1000, "call 0x00001005", {0xE8, 0x00, 0x00, 0x00, 0x00}},
       {InstructionMode::Bits32, 0x10, "jmp 0xFFFFFFF0", {0xEB, 0xDE}},
       {InstructionMode::Bits32, 0, "mov eax, dword ptr [ebx+ecx*4-0x04]", {0x8B, 0x44, 0x8B, 0xFC}},

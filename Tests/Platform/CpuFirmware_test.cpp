@@ -36,7 +36,8 @@ TEST(CpuFirmwareTest, EveryShippedDescriptionBootsEveryDomain) {
     EXPECT_FALSE(domains.empty()) << name;
     for (const auto& domain : domains)
       EXPECT_TRUE(WaitForCondition([&] {
-        return voxtrel::testing::CpuUartText(domain->targetDomainId, "COM1").find("tick 00000001") != std::string::npos;
+        return voxtrel::testing::CpuUartText(domain->targetDomainId, "COM1").find("long mode reached") !=
+               std::string::npos;
       })) << name
           << " domain " << std::hex << domain->targetDomainId;
   }

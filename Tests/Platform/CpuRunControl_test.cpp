@@ -45,6 +45,30 @@ TEST(CpuRunControlTest, CodeWrittenFromOutsideIsWhatTheCpuExecutes) {
   EXPECT_TRUE(WaitForCondition([&] { return target.ReadQword(kData) == 0x2222; })) << target.ReadQword(kData);
 }
 
+// HLT: the thread waits, as a CPU waits for an interrupt, through halts,
+// resumes and steps, until it is given a new rip.
+TEST(CpuRunControlTest, AThreadInHltWaitsUntilItIsSentElsewhere) {
+  CpuTarget target;
+  // 0: mov [0x3000], rcx; 8: hlt; 9: mov qword [0x3000], 0; 21: jmp $
+  const std::vector<uint8_t> program = {0x48, 0x89, 0x0C, 0x25, 0x00, 0x30, 0x00, 0x00, 0xF4, 0x48, 0xC7, 0x04,
+                                        0x25, 0x00, 0x30, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xEB, 0xFE};
+  RunOnThreadZero(target, program, false);
+  target.SetRegister(0, "rcx", 7);
+  ASSERT_EQ(target.Cpus().Go(0), CpuResult::Ok);
+  ASSERT_TRUE(WaitForCondition([&] { return target.ReadQword(kData) == 7 && target.Register(0, "rip") == kCode + 9; }));
+  RunState state = RunState::Halted;
+  EXPECT_EQ(target.Cpus().GetRunState(0, state), CpuResult::Ok);
+  EXPECT_EQ(state, RunState::Running);
+  ASSERT_EQ(target.Cpus().Halt(0), CpuResult::Ok);
+  ASSERT_EQ(target.Cpus().Step(0), CpuResult::Ok);
+  ASSERT_EQ(target.Cpus().Go(0), CpuResult::Ok);
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  EXPECT_EQ(target.ReadQword(kData), 7u) << "a waiting thread ran on";
+  EXPECT_EQ(target.Register(0, "rip"), kCode + 9);
+  target.SetRegister(0, "rip", kCode + 9);
+  EXPECT_TRUE(WaitForCondition([&] { return target.ReadQword(kData) == 0; }));
+}
+
 // Every firmware iteration adds 1 to the thread's own counter, then 1 to the
 // shared one: a halt between the two leaves the first ahead by one, a halt
 // that replays or drops a store leaves them apart for good.
@@ -121,7 +145,7 @@ TEST(CpuRunControlTest, StepsAndBreakpointsStopWhereTheySay) {
 
 // All threads run the same locked loop; thread 0 stops at its end and its
 // listener halts the others at once. Started twice from the same state, the
-// domain ends in the same state.
+// domain ends in the same state, whatever its clients ask meanwhile.
 TEST(CpuRunControlTest, ThreadsOfADomainRunDeterministically) {
   // 0: inc qword [rbx+0x3000]; 7: lock inc qword [0x3100]; 16: inc rcx;
   // 19: cmp rcx, 50000; 26: jne 0; 28: hlt
@@ -146,7 +170,14 @@ TEST(CpuRunControlTest, ThreadsOfADomainRunDeterministically) {
       if (event.reason == StopReason::ExecutionBreakpoint) target.Cpus().HaltAll();
     });
     EXPECT_EQ(target.Cpus().GoAll(), CpuResult::Ok);
-    EXPECT_TRUE(log.WaitFor(StopReason::ExecutionBreakpoint));
+    // Requests meanwhile cut the threads' turns short at other places in
+    // each run; they must not change what runs.
+    EXPECT_TRUE(WaitForCondition([&] {
+      target.ReadQword(kData + 0x100);
+      for (const StopEvent& event : log.Events())
+        if (event.reason == StopReason::ExecutionBreakpoint) return true;
+      return false;
+    }));
     std::vector<uint64_t> state;
     for (uint32_t thread = 0; thread < target.Cpus().ThreadCount(); ++thread) {
       state.push_back(target.ReadQword(kData + 8 * thread));
@@ -158,6 +189,26 @@ TEST(CpuRunControlTest, ThreadsOfADomainRunDeterministically) {
   const std::vector<uint64_t> first = run();
   EXPECT_EQ(first[0], 50000u);
   EXPECT_EQ(run(), first);
+}
+
+// Stepped from the reset vector, instruction by instruction through real,
+// protected and long mode, the bootstrap thread boots as when it runs: every
+// stop on the way resumes where it stopped.
+TEST(CpuRunControlTest, StepsFromResetThroughEveryModeIntoTheLoop) {
+  CpuTarget target;
+  StopLog log(target.Cpus());
+  ASSERT_EQ(target.Cpus().Reset(ResetMode::HaltAfterReset), CpuResult::Ok);
+  target.Write(ThreadCounter(0), std::vector<uint8_t>(8, 0));
+  EXPECT_EQ(target.Register(0, "rip"), 0xFFF0u);
+  EXPECT_EQ(target.Register(0, "cs_base"), 0xFFFF0000u);
+  int steps = 0;
+  while (target.ReadQword(ThreadCounter(0)) == 0 && steps < 5000) {
+    ASSERT_EQ(target.Cpus().Step(0), CpuResult::Ok);
+    ++steps;
+  }
+  EXPECT_EQ(target.ReadQword(ThreadCounter(0)), 1u) << steps << " steps";
+  for (const StopEvent& event : log.Events()) EXPECT_NE(event.reason, StopReason::Shutdown);
+  EXPECT_EQ(target.Register(0, "efer") & 0x500, 0x500u);
 }
 
 // Several client threads at once, each on its own thread of the domain,

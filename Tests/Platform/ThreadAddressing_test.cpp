@@ -23,8 +23,8 @@ class FakeBackend : public cpu::CpuBackend {
  public:
   static constexpr uint64_t kRomStart = 0x3F0000;
   FakeBackend() : ram_(0x400000) {
-    for (const char* name : {"cr0", "cr3", "cr4", "efer", "cs_base", "ds_base", "es_base", "ss_base", "fs_base",
-                             "gs_base", "gdtr_base"})
+    for (const char* name :
+         {"cr0", "cr3", "cr4", "efer", "cs_base", "ds_base", "es_base", "ss_base", "fs_base", "gs_base", "gdtr_base"})
       registers_.push_back({name, 64, cpu::RegisterGroup::Control});
     for (const char* name : {"cs", "ds", "es", "ss", "fs", "gs", "ldtr"})
       registers_.push_back({name, 16, cpu::RegisterGroup::Segment});
@@ -53,7 +53,9 @@ class FakeBackend : public cpu::CpuBackend {
   }
   CpuResult ReadIo(uint16_t, uint32_t, uint32_t&) override { return CpuResult::Unavailable; }
   CpuResult WriteIo(uint16_t, uint32_t, uint32_t) override { return CpuResult::Unavailable; }
-  CpuResult WriteRegister(uint32_t, std::string_view, std::span<const uint8_t>) override { return CpuResult::Unavailable; }
+  CpuResult WriteRegister(uint32_t, std::string_view, std::span<const uint8_t>) override {
+    return CpuResult::Unavailable;
+  }
   CpuResult ReadMsr(uint32_t, uint32_t, uint64_t&) override { return CpuResult::Unavailable; }
   CpuResult WriteMsr(uint32_t, uint32_t, uint64_t) override { return CpuResult::Unavailable; }
   CpuResult Cpuid(uint32_t, uint32_t, uint32_t, cpu::CpuidResult&) override { return CpuResult::Unavailable; }
@@ -119,10 +121,12 @@ TEST_F(ThreadAddressingTest, PageWalksOfEveryPagingMode) {
     uint64_t linear;
     std::optional<uint64_t> physical;
   } longMode[] = {
-      {0x400123, 0x100123}, {0x401FFF, 0x200FFF}, {0x6ABCDE, 0x0ABCDE},
-      {0x403000, std::nullopt},                // Page table entry not present
-      {0x800000, std::nullopt},                // Directory entry not present
-      {0x0000800000000000, std::nullopt},      // Not canonical
+      {0x400123, 0x100123},
+      {0x401FFF, 0x200FFF},
+      {0x6ABCDE, 0x0ABCDE},
+      {0x403000, std::nullopt},            // Page table entry not present
+      {0x800000, std::nullopt},            // Directory entry not present
+      {0x0000800000000000, std::nullopt},  // Not canonical
   };
   for (const auto& [linear, physical] : longMode)
     EXPECT_EQ(PhysicalOf(backend, Address(VXT_AddressType_Linear, linear)), physical) << std::hex << linear;
@@ -158,8 +162,8 @@ TEST_F(ThreadAddressingTest, LogicalAddressesTakeTheirSegmentsBase) {
   backend.Set("ds", 0x10);
   backend.Set("ds_base", 0x20000);
   backend.Set("gdtr_base", 0x9000);
-  backend.Put(0x9000 + 0x18, 0x00CF92013000FFFFull);  // Base 0x013000
-  backend.Put(0x9000 + 0x20, 0x0000820A00000FFFull);  // An LDT at 0x0A0000
+  backend.Put(0x9000 + 0x18, 0x00CF92013000FFFFull);   // Base 0x013000
+  backend.Put(0x9000 + 0x20, 0x0000820A00000FFFull);   // An LDT at 0x0A0000
   backend.Put(0xA0000 + 0x08, 0x00CF920B0000FFFFull);  // Base 0x0B0000
   backend.Set("ldtr", 0x20);
   const struct {
@@ -167,9 +171,9 @@ TEST_F(ThreadAddressingTest, LogicalAddressesTakeTheirSegmentsBase) {
     uint64_t physical;
   } rows[] = {
       {Address(VXT_AddressType_OneFieldDataLogical, 0x44), 0x20044},
-      {Address(VXT_AddressType_TwoFieldLogical, 0x44, 0x10), 0x20044},   // Held in DS
-      {Address(VXT_AddressType_TwoFieldLogical, 0x44, 0x18), 0x13044},   // From the GDT
-      {Address(VXT_AddressType_TwoFieldLogical, 0x44, 0x0C), 0xB0044},   // TI: the thread's LDT
+      {Address(VXT_AddressType_TwoFieldLogical, 0x44, 0x10), 0x20044},  // Held in DS
+      {Address(VXT_AddressType_TwoFieldLogical, 0x44, 0x18), 0x13044},  // From the GDT
+      {Address(VXT_AddressType_TwoFieldLogical, 0x44, 0x0C), 0xB0044},  // TI: the thread's LDT
       {Address(VXT_AddressType_ThreeFieldLogical, 0x44, 0x0C, 0x20), 0xB0044},
   };
   for (const auto& [address, physical] : rows)
@@ -178,8 +182,8 @@ TEST_F(ThreadAddressingTest, LogicalAddressesTakeTheirSegmentsBase) {
   backend.Set("efer", 0x500);  // Long mode: only held FS and GS have a base
   EXPECT_EQ(PhysicalOf(backend, Address(VXT_AddressType_TwoFieldLogical, 0x44, 0x18)), 0x44u);
   VXT_Address unconverted{};
-  EXPECT_TRUE(ThreadAddressing(backend, 0).Convert(Address(VXT_AddressType_Physical, 0), VXT_AddressType_Linear,
-                                                   unconverted));
+  EXPECT_TRUE(
+      ThreadAddressing(backend, 0).Convert(Address(VXT_AddressType_Physical, 0), VXT_AddressType_Linear, unconverted));
 }
 
 TEST_F(ThreadAddressingTest, CodeWidthFollowsModeAndCodeSegment) {

@@ -4,8 +4,8 @@
 
 #include <array>
 #include <cctype>
-#include <string>
 #include <optional>
+#include <string>
 
 #include "AssemblyParser.h"
 #include "Disassembler.h"
@@ -48,7 +48,6 @@ std::optional<std::vector<uint8_t>> EncodeOnce(ZydisEncoderRequest request, bool
   return std::vector<uint8_t>(buffer, buffer + length);
 }
 
-
 // Where the bytes branch to from `address`; nothing if they do not branch.
 std::optional<uint64_t> BranchOf(InstructionMode mode, const std::vector<uint8_t>& bytes, uint64_t address) {
   const ZydisDecoder decoder = MakeDecoder(mode);
@@ -88,8 +87,7 @@ ZydisEncoderOperand* BranchTargetOperand(ZydisEncoderRequest& request) {
 // ("bnd jnz"). So every encoding is checked against the target; a miss is
 // encoded again with a short, then a near displacement of fixed width,
 // whose length is known, moving the target by what the first try missed.
-std::optional<std::vector<uint8_t>> EncodeBranch(InstructionMode mode, ZydisEncoderRequest request,
-                                                 uint64_t address) {
+std::optional<std::vector<uint8_t>> EncodeBranch(InstructionMode mode, ZydisEncoderRequest request, uint64_t address) {
   ZydisEncoderOperand& target = *BranchTargetOperand(request);
   if (mode != InstructionMode::Bits64) {
     const uint64_t middle = mode == InstructionMode::Bits16 ? 0x8000 : 0x80000000;
@@ -98,8 +96,7 @@ std::optional<std::vector<uint8_t>> EncodeBranch(InstructionMode mode, ZydisEnco
     address = middle;
   }
   const uint64_t wanted = target.imm.u;
-  const ZydisBranchWidth nearWidth =
-      mode == InstructionMode::Bits16 ? ZYDIS_BRANCH_WIDTH_16 : ZYDIS_BRANCH_WIDTH_32;
+  const ZydisBranchWidth nearWidth = mode == InstructionMode::Bits16 ? ZYDIS_BRANCH_WIDTH_16 : ZYDIS_BRANCH_WIDTH_32;
   for (const ZydisBranchWidth width : {ZYDIS_BRANCH_WIDTH_NONE, ZYDIS_BRANCH_WIDTH_8, nearWidth}) {
     request.branch_width = width;
     target.imm.u = wanted;
@@ -122,14 +119,12 @@ std::optional<std::vector<uint8_t>> Encode(InstructionMode mode, ZydisEncoderReq
 }
 
 // The request with its immediates, its displacement or both sign-extended.
-ZydisEncoderRequest WithSignExtension(ZydisEncoderRequest request, bool immediates,
-                                      bool displacements) {
+ZydisEncoderRequest WithSignExtension(ZydisEncoderRequest request, bool immediates, bool displacements) {
   for (uint8_t i = 0; i < request.operand_count; ++i) {
     ZydisEncoderOperand& operand = request.operands[i];
     if (immediates && operand.type == ZYDIS_OPERAND_TYPE_IMMEDIATE) operand.imm.u = SignExtended(operand.imm.u);
     if (displacements && operand.type == ZYDIS_OPERAND_TYPE_MEMORY)
-      operand.mem.displacement =
-          static_cast<int64_t>(SignExtended(static_cast<uint64_t>(operand.mem.displacement)));
+      operand.mem.displacement = static_cast<int64_t>(SignExtended(static_cast<uint64_t>(operand.mem.displacement)));
   }
   return request;
 }
@@ -141,7 +136,6 @@ ZydisEncoderOperand* MemoryOperand(ZydisEncoderRequest& request) {
   }
   return nullptr;
 }
-
 
 // Lower case, one blank wherever the text has any: the disassembler's text
 // and the client's compare equal when they say the same.

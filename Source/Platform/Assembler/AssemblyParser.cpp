@@ -34,9 +34,9 @@ constexpr std::array kSegments{
 
 using MemorySize = std::pair<std::string_view, uint16_t>;
 constexpr std::array kMemorySizes{
-    MemorySize{"byte", 1},   MemorySize{"word", 2},     MemorySize{"dword", 4},    MemorySize{"fword", 6},
-    MemorySize{"qword", 8},  MemorySize{"tbyte", 10},   MemorySize{"xmmword", 16}, MemorySize{"ymmword", 32},
-    MemorySize{"zmmword", 64},
+    MemorySize{"byte", 1},     MemorySize{"word", 2},     MemorySize{"dword", 4},
+    MemorySize{"fword", 6},    MemorySize{"qword", 8},    MemorySize{"tbyte", 10},
+    MemorySize{"xmmword", 16}, MemorySize{"ymmword", 32}, MemorySize{"zmmword", 64},
 };
 
 template <class Table>
@@ -270,7 +270,9 @@ class Parser {
         return Error("too many registers in a memory operand");
       }
     } else if (const auto value = ParseNumber(term)) {
-      mem.displacement += static_cast<int64_t>(negative ? ~*value + 1 : *value);
+      // Summed as unsigned numbers: the text may hold any number of terms.
+      mem.displacement =
+          static_cast<int64_t>(static_cast<uint64_t>(mem.displacement) + (negative ? ~*value + 1 : *value));
     } else {
       return Error("cannot read '" + std::string(term) + "' in a memory operand");
     }

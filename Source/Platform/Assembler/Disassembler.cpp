@@ -21,9 +21,12 @@ ZydisFormatter MakeFormatter() {
 
 uint64_t RuntimeAddress(InstructionMode mode, uint64_t address) {
   switch (mode) {
-    case InstructionMode::Bits16: return address & 0xFFFF;
-    case InstructionMode::Bits32: return address & 0xFFFFFFFF;
-    case InstructionMode::Bits64: return address;
+    case InstructionMode::Bits16:
+      return address & 0xFFFF;
+    case InstructionMode::Bits32:
+      return address & 0xFFFFFFFF;
+    case InstructionMode::Bits64:
+      return address;
   }
   return address;
 }

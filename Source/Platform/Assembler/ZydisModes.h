@@ -9,9 +9,12 @@ namespace voxtrel::platform::assembler {
 
 inline ZydisMachineMode MachineMode(InstructionMode mode) {
   switch (mode) {
-    case InstructionMode::Bits16: return ZYDIS_MACHINE_MODE_LEGACY_16;
-    case InstructionMode::Bits32: return ZYDIS_MACHINE_MODE_LEGACY_32;
-    case InstructionMode::Bits64: return ZYDIS_MACHINE_MODE_LONG_64;
+    case InstructionMode::Bits16:
+      return ZYDIS_MACHINE_MODE_LEGACY_16;
+    case InstructionMode::Bits32:
+      return ZYDIS_MACHINE_MODE_LEGACY_32;
+    case InstructionMode::Bits64:
+      return ZYDIS_MACHINE_MODE_LONG_64;
   }
   return ZYDIS_MACHINE_MODE_LONG_64;
 }

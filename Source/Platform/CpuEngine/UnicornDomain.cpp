@@ -72,7 +72,8 @@ UnicornDomain::UnicornDomain(const EngineSetup& setup) : machine_(setup.machine)
         if (host == MAP_FAILED)
           throw std::runtime_error("cannot reserve memory for region '" + region.region.name + "'");
         mapped.host = static_cast<uint8_t*>(host);
-        std::memcpy(mapped.host, region.image.data(), std::min<size_t>(region.image.size(), region.region.size));
+        if (!region.image.empty())
+          std::memcpy(mapped.host, region.image.data(), std::min<size_t>(region.image.size(), region.region.size));
       }
       regions_.push_back(mapped);
     }

@@ -84,21 +84,21 @@ uint64_t SegmentBase(uc_engine* uc, int segmentRegister, PhysicalReader readPhys
   uc_x86_msr msr{0xC0000080, 0};
   uc_reg_read(uc, UC_X86_REG_MSR, &msr);
   const uint64_t efer = msr.value;
-  if (!(cr0 & 1)) {
-    // The code segment keeps the reset base while its selector is the reset
-    // one: the firmwares this platform runs leave real mode without
-    // reloading it.
-    if (segmentRegister == UC_X86_REG_CS && selector == 0xF000) return 0xFFFF0000u;
-    return (selector & 0xFFFF) << 4;
-  }
-  const bool longMode = (efer & 0x400) != 0;
-  if (longMode) return 0;  // Only fs and gs have bases there, and the engine keeps those
+  // Real mode's base. The code segment keeps the reset base while its
+  // selector is the reset one: the firmwares this platform runs leave real
+  // mode without reloading it. A selector no descriptor backs in protected
+  // mode is still the one real mode loaded: between setting CR0.PE and the
+  // far jump, the code segment's cache is real mode's.
+  const uint64_t realModeBase =
+      segmentRegister == UC_X86_REG_CS && selector == 0xF000 ? 0xFFFF0000u : (selector & 0xFFFF) << 4;
+  if (!(cr0 & 1)) return realModeBase;
+  if (efer & 0x400) return 0;  // Long mode: only fs and gs have bases, and the engine keeps those
   uc_x86_mmr gdtr{};
   uc_reg_read(uc, UC_X86_REG_GDTR, &gdtr);
   const uint64_t index = selector & ~7ull;
-  if (index == 0 || (selector & 4) || index + 7 > gdtr.limit) return 0;
+  if (index == 0 || (selector & 4) || index + 7 > gdtr.limit) return realModeBase;
   uint8_t descriptor[8] = {};
-  if (!readPhysical(context, gdtr.base + index, std::span<uint8_t>(descriptor))) return 0;
+  if (!readPhysical(context, gdtr.base + index, std::span<uint8_t>(descriptor))) return realModeBase;
   return static_cast<uint64_t>(descriptor[2]) | static_cast<uint64_t>(descriptor[3]) << 8 |
          static_cast<uint64_t>(descriptor[4]) << 16 | static_cast<uint64_t>(descriptor[7]) << 24;
 }

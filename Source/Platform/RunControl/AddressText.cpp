@@ -83,8 +83,10 @@ target::Outcome AddressFromText(std::string_view text, VXT_Address& address) {
   }
   VXT_Address parsed{VXT_ADDRESS_SIZE, 0, 0, 0, VXT_AddressType_Physical};
   std::string head(parts.front());
-  std::transform(head.begin(), head.end(), head.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  const auto prefix = std::find_if(kPrefixes.begin(), kPrefixes.end(), [&](const Prefix& p) { return p.first == head; });
+  std::transform(head.begin(), head.end(), head.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  const auto prefix =
+      std::find_if(kPrefixes.begin(), kPrefixes.end(), [&](const Prefix& p) { return p.first == head; });
   std::optional<uint64_t> offset = Number(parts.back(), UINT64_MAX);
   if (parts.size() == 2 && prefix != kPrefixes.end()) {
     parsed.addressType = prefix->second;

@@ -26,11 +26,19 @@ using target::Outcome;
 
 Outcome ModeOf(uint32_t deviceId, uint32_t instructionType, InstructionMode& mode) {
   switch (instructionType) {
-    case VXT_InstructionType_16Bit: mode = InstructionMode::Bits16; return std::nullopt;
-    case VXT_InstructionType_32Bit: mode = InstructionMode::Bits32; return std::nullopt;
-    case VXT_InstructionType_64Bit: mode = InstructionMode::Bits64; return std::nullopt;
-    case VXT_InstructionType_XBit: break;
-    default: return Failure{kValueOutOfRange, "the instruction type " + std::to_string(instructionType) + " is unknown"};
+    case VXT_InstructionType_16Bit:
+      mode = InstructionMode::Bits16;
+      return std::nullopt;
+    case VXT_InstructionType_32Bit:
+      mode = InstructionMode::Bits32;
+      return std::nullopt;
+    case VXT_InstructionType_64Bit:
+      mode = InstructionMode::Bits64;
+      return std::nullopt;
+    case VXT_InstructionType_XBit:
+      break;
+    default:
+      return Failure{kValueOutOfRange, "the instruction type " + std::to_string(instructionType) + " is unknown"};
   }
   CpuThread cpu;
   uint32_t bits = 0;
@@ -94,11 +102,10 @@ uint32_t Assemble(uint32_t deviceId, uint32_t instructionType, const char* instr
                                      outputBuffer, numBytesAssembled));
 }
 
-uint32_t Disassemble(uint32_t deviceId, uint32_t instructionType, uint32_t inputBufferSize,
-                     const uint8_t* inputBuffer, uint64_t instructionAddressOffset, char* outputBuffer,
-                     uint32_t* numBytesDisassembled) {
-  VOXTREL_COMPONENT_CALL("RunControl.Disassemble", "deviceId=", HexText(deviceId), ", instructionType=",
-                         instructionType, ", inputBufferSize=", inputBufferSize);
+uint32_t Disassemble(uint32_t deviceId, uint32_t instructionType, uint32_t inputBufferSize, const uint8_t* inputBuffer,
+                     uint64_t instructionAddressOffset, char* outputBuffer, uint32_t* numBytesDisassembled) {
+  VOXTREL_COMPONENT_CALL("RunControl.Disassemble", "deviceId=", HexText(deviceId),
+                         ", instructionType=", instructionType, ", inputBufferSize=", inputBufferSize);
   return VOXTREL_ANSWER(DisassembleWork(deviceId, instructionType, inputBufferSize, inputBuffer,
                                         instructionAddressOffset, outputBuffer, numBytesDisassembled));
 }

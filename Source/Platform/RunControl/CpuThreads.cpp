@@ -8,7 +8,8 @@ target::Outcome FindThreads(uint32_t deviceId, cpu::CpuSelection& selection) {
   selection = cpu::CpuDomains::Instance().Find(deviceId);
   const std::string device = "device " + HexText(deviceId) + ": ";
   switch (selection.result) {
-    case cpu::LookupResult::Ok: break;
+    case cpu::LookupResult::Ok:
+      break;
     case cpu::LookupResult::NotStarted:
       return target::Failure{kNotInitialized, device + std::string(cpu::LookupResultText(selection.result))};
     case cpu::LookupResult::UnknownDevice:

@@ -49,8 +49,7 @@ target::Outcome ParseIntelHex(std::string_view text, std::vector<HexChunk>& chun
     while (!line.empty() && (line.back() == '\r' || line.back() == ' ')) line.remove_suffix(1);
     if (line.empty()) continue;
     if (ended) return BadRecord(lineNumber, "a record follows the end-of-file record");
-    if (line.front() != ':' || line.size() < 11 || line.size() % 2 == 0)
-      return BadRecord(lineNumber, "not a record");
+    if (line.front() != ':' || line.size() < 11 || line.size() % 2 == 0) return BadRecord(lineNumber, "not a record");
     std::vector<uint8_t> record;
     for (size_t i = 1; i < line.size(); i += 2) {
       const int high = HexDigit(line[i]);
@@ -69,7 +68,9 @@ target::Outcome ParseIntelHex(std::string_view text, std::vector<HexChunk>& chun
       case 0x00:
         if (size > 0) chunks.push_back({base + address, std::vector<uint8_t>(data, data + size)});
         break;
-      case 0x01: ended = true; break;
+      case 0x01:
+        ended = true;
+        break;
       case 0x02:
         if (size != 2) return BadRecord(lineNumber, "an extended segment address needs 2 bytes");
         base = uint64_t{static_cast<uint16_t>(data[0] << 8 | data[1])} << 4;
@@ -79,8 +80,10 @@ target::Outcome ParseIntelHex(std::string_view text, std::vector<HexChunk>& chun
         base = uint64_t{static_cast<uint16_t>(data[0] << 8 | data[1])} << 16;
         break;
       case 0x03:
-      case 0x05: break;  // Start addresses: no memory to fill
-      default: return BadRecord(lineNumber, "unknown record type");
+      case 0x05:
+        break;  // Start addresses: no memory to fill
+      default:
+        return BadRecord(lineNumber, "unknown record type");
     }
   }
   if (!ended) return target::Failure{kInvalidImage, "Intel HEX without an end-of-file record"};

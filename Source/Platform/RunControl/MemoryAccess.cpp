@@ -29,7 +29,8 @@ target::Outcome ReadMemoryAt(cpu::CpuBackend& backend, uint32_t thread, const VX
   for (const PhysicalPiece& piece : pieces) {
     if (const auto result = backend.ReadPhysical(piece.physical, bytes.subspan(done, piece.length));
         result != cpu::CpuResult::Ok)
-      return CpuFailure(result, Describe("reading", bytes.size(), address) + " (physical " + HexText(piece.physical) + ")");
+      return CpuFailure(result,
+                        Describe("reading", bytes.size(), address) + " (physical " + HexText(piece.physical) + ")");
     done += piece.length;
   }
   return std::nullopt;
@@ -50,7 +51,8 @@ target::Outcome WriteMemoryAt(cpu::CpuBackend& backend, uint32_t thread, const V
   for (const PhysicalPiece& piece : pieces) {
     if (const auto result = backend.ReadPhysical(piece.physical, std::span(before).subspan(done, piece.length));
         result != cpu::CpuResult::Ok)
-      return CpuFailure(result, Describe("writing", bytes.size(), address) + " (physical " + HexText(piece.physical) + ")");
+      return CpuFailure(result,
+                        Describe("writing", bytes.size(), address) + " (physical " + HexText(piece.physical) + ")");
     done += piece.length;
   }
   done = 0;
@@ -63,7 +65,8 @@ target::Outcome WriteMemoryAt(cpu::CpuBackend& backend, uint32_t thread, const V
         backend.WritePhysical(pieces[j].physical, std::span<const uint8_t>(before).subspan(undone, pieces[j].length));
         undone += pieces[j].length;
       }
-      return CpuFailure(result, Describe("writing", bytes.size(), address) + " (physical " + HexText(piece.physical) + ")");
+      return CpuFailure(result,
+                        Describe("writing", bytes.size(), address) + " (physical " + HexText(piece.physical) + ")");
     }
     done += piece.length;
   }

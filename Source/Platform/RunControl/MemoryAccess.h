@@ -13,8 +13,8 @@
 
 namespace voxtrel::platform::run_control {
 
-VOXTREL_PLATFORM_API target::Outcome ReadMemoryAt(cpu::CpuBackend& backend, uint32_t thread,
-                                                  const VXT_Address& address, std::span<uint8_t> bytes);
+VOXTREL_PLATFORM_API target::Outcome ReadMemoryAt(cpu::CpuBackend& backend, uint32_t thread, const VXT_Address& address,
+                                                  std::span<uint8_t> bytes);
 VOXTREL_PLATFORM_API target::Outcome WriteMemoryAt(cpu::CpuBackend& backend, uint32_t thread,
                                                    const VXT_Address& address, std::span<const uint8_t> bytes);
 

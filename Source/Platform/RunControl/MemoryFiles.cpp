@@ -32,7 +32,8 @@ enum class FileType { Binary, IntelHex };
 
 Outcome ParseFileType(const char* fileType, FileType& type) {
   std::string name(fileType);
-  std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  std::transform(name.begin(), name.end(), name.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
   if (name == "bin") {
     type = FileType::Binary;
   } else if (name == "hex") {
@@ -147,8 +148,8 @@ Outcome LoadMemoryWork(uint32_t deviceId, const char* fileName, const VXT_Addres
 }
 
 Outcome SaveMemoryWork(uint32_t deviceId, const char* fileName, const VXT_Address* fromAddress,
-                       const VXT_Address* toAddress, bool overwriteFile, const char* fileType,
-                       const char* saveOptions, uint64_t* operationToken) {
+                       const VXT_Address* toAddress, bool overwriteFile, const char* fileType, const char* saveOptions,
+                       uint64_t* operationToken) {
   FileType type = FileType::Binary;
   uint64_t size = 0;
   CpuThread cpu;
@@ -161,7 +162,8 @@ Outcome SaveMemoryWork(uint32_t deviceId, const char* fileName, const VXT_Addres
   if (auto refused = CheckNoOptions(saveOptions, "saveOptions")) return refused;
   if (auto refused = RangeLimit(*fromAddress, toAddress, size)) return refused;
   if (!overwriteFile && std::filesystem::exists(fileName))
-    return Failure{kAccessDenied, "'" + std::string(fileName) + "' exists; it is replaced only when asked to overwrite it"};
+    return Failure{kAccessDenied,
+                   "'" + std::string(fileName) + "' exists; it is replaced only when asked to overwrite it"};
   if (auto refused = FindCpu(deviceId, cpu)) return refused;
   std::vector<uint8_t> bytes(size);
   if (auto refused = ReadMemoryAt(cpu.backend(), cpu.thread, *fromAddress, bytes)) return refused;
@@ -192,8 +194,8 @@ uint32_t SaveMemory(uint32_t deviceId, const char* fileName, const VXT_Address* 
                     const VXT_Address* toAddress, bool overwriteFile, const char* fileType, const char* saveOptions,
                     uint64_t* operationToken) {
   VOXTREL_COMPONENT_CALL("RunControl.SaveMemory", "deviceId=", HexText(deviceId), ", overwriteFile=", overwriteFile);
-  return VOXTREL_ANSWER(SaveMemoryWork(deviceId, fileName, fromAddress, toAddress, overwriteFile, fileType,
-                                       saveOptions, operationToken));
+  return VOXTREL_ANSWER(
+      SaveMemoryWork(deviceId, fileName, fromAddress, toAddress, overwriteFile, fileType, saveOptions, operationToken));
 }
 
 }  // namespace voxtrel::platform::run_control

@@ -26,7 +26,8 @@ constexpr uint32_t kInvalidMemoryAccessWidth = 0x1f0006;
 Outcome TransferSize(int32_t count, uint32_t accessWidth, uint64_t& size) {
   if (count <= 0) return Failure{kValueOutOfRange, "the count " + std::to_string(count) + " is not greater than zero"};
   if (accessWidth != 0 && accessWidth != 1 && accessWidth != 2 && accessWidth != 4 && accessWidth != 8)
-    return Failure{kInvalidMemoryAccessWidth, "the access width " + std::to_string(accessWidth) + " is not 1, 2, 4 or 8"};
+    return Failure{kInvalidMemoryAccessWidth,
+                   "the access width " + std::to_string(accessWidth) + " is not 1, 2, 4 or 8"};
   size = static_cast<uint64_t>(count) * (accessWidth == 0 ? 1 : accessWidth);
   return std::nullopt;
 }
@@ -68,7 +69,9 @@ Outcome WriteMemoryWork(uint32_t deviceId, const VXT_Address* address, int32_t c
 }
 
 Outcome CheckPort(int32_t port) {
-  if (port < 0 || port > 0xFFFF) return Failure{kValueOutOfRange, "the port " + HexText(static_cast<uint32_t>(port)) + " is not one of 0x0 to 0xffff"};
+  if (port < 0 || port > 0xFFFF)
+    return Failure{kValueOutOfRange,
+                   "the port " + HexText(static_cast<uint32_t>(port)) + " is not one of 0x0 to 0xffff"};
   return std::nullopt;
 }
 
@@ -95,7 +98,8 @@ Outcome WriteIoWork(uint32_t deviceId, int32_t port, uint32_t portByteSize, cons
   if (value->bitSize > 64 || (portByteSize < 4 && (number >> (portByteSize * 8)) != 0))
     return Failure{kValueOutOfRange, "the value does not fit a port of " + std::to_string(portByteSize) + " bytes"};
   if (auto refused = FindCpu(deviceId, cpu)) return refused;
-  if (const auto result = cpu.backend().WriteIo(static_cast<uint16_t>(port), portByteSize, static_cast<uint32_t>(number));
+  if (const auto result =
+          cpu.backend().WriteIo(static_cast<uint16_t>(port), portByteSize, static_cast<uint32_t>(number));
       result != cpu::CpuResult::Ok)
     return CpuFailure(result, "writing " + std::to_string(portByteSize) + " bytes to port " + HexText(port));
   GiveCompleted(operationToken);
@@ -158,22 +162,22 @@ uint32_t WriteMemory(uint32_t deviceId, const VXT_Address* address, int32_t byte
 }
 
 uint32_t ReadIO(uint32_t deviceId, int32_t port, uint32_t portByteSize, uint64_t* operationToken) {
-  VOXTREL_COMPONENT_CALL("RunControl.ReadIO", "deviceId=", HexText(deviceId), ", port=", port, ", portByteSize=",
-                         portByteSize);
+  VOXTREL_COMPONENT_CALL("RunControl.ReadIO", "deviceId=", HexText(deviceId), ", port=", port,
+                         ", portByteSize=", portByteSize);
   return VOXTREL_ANSWER(ReadIoWork(deviceId, port, portByteSize, operationToken));
 }
 
 uint32_t WriteIO(uint32_t deviceId, int32_t port, uint32_t portByteSize, const BitData* value,
                  uint64_t* operationToken) {
-  VOXTREL_COMPONENT_CALL("RunControl.WriteIO", "deviceId=", HexText(deviceId), ", port=", port, ", portByteSize=",
-                         portByteSize, ", valueBits=", value == nullptr ? 0 : value->bitSize);
+  VOXTREL_COMPONENT_CALL("RunControl.WriteIO", "deviceId=", HexText(deviceId), ", port=", port,
+                         ", portByteSize=", portByteSize, ", valueBits=", value == nullptr ? 0 : value->bitSize);
   return VOXTREL_ANSWER(WriteIoWork(deviceId, port, portByteSize, value, operationToken));
 }
 
 uint32_t ConvertAddress(uint32_t deviceId, const VXT_Address* sourceAddress, VXT_AddressType destAddressType,
                         VXT_Address* destAddress) {
-  VOXTREL_COMPONENT_CALL("RunControl.ConvertAddress", "deviceId=", HexText(deviceId), ", destAddressType=",
-                         static_cast<uint32_t>(destAddressType));
+  VOXTREL_COMPONENT_CALL("RunControl.ConvertAddress", "deviceId=", HexText(deviceId),
+                         ", destAddressType=", static_cast<uint32_t>(destAddressType));
   return VOXTREL_ANSWER(ConvertAddressWork(deviceId, sourceAddress, destAddressType, destAddress));
 }
 
@@ -188,8 +192,8 @@ uint32_t AddressFromString(const char* addressAsString, VXT_Address* address) {
 }
 
 uint32_t InvalidateCache(uint32_t deviceId, bool writeModifiedCacheToMainMemory, uint64_t* operationToken) {
-  VOXTREL_COMPONENT_CALL("RunControl.InvalidateCache", "deviceId=", HexText(deviceId), ", writeBack=",
-                         writeModifiedCacheToMainMemory);
+  VOXTREL_COMPONENT_CALL("RunControl.InvalidateCache", "deviceId=", HexText(deviceId),
+                         ", writeBack=", writeModifiedCacheToMainMemory);
   return VOXTREL_ANSWER(InvalidateCacheWork(deviceId, operationToken));
 }
 

@@ -23,4 +23,3 @@ inline uint32_t Answer(const target::Outcome& outcome, const char* file, uint32_
 }  // namespace voxtrel::platform::run_control
 
 #define VOXTREL_ANSWER(outcome) ::voxtrel::platform::run_control::Answer((outcome), __FILE__, __LINE__)
-

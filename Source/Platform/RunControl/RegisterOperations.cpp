@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "CpuThreads.h"
@@ -25,7 +27,8 @@ using target::Outcome;
 
 std::string Lower(std::string_view name) {
   std::string lower(name);
-  std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  std::transform(lower.begin(), lower.end(), lower.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
   return lower;
 }
 
@@ -34,7 +37,8 @@ Outcome FindRegister(const CpuThread& cpu, const char* name, const cpu::Register
   const std::string lower = Lower(name);
   const auto found =
       std::find_if(registers.begin(), registers.end(), [&](const cpu::RegisterInfo& r) { return r.name == lower; });
-  if (found == registers.end()) return Failure{kRegisterNotFound, "the thread has no register '" + std::string(name) + "'"};
+  if (found == registers.end())
+    return Failure{kRegisterNotFound, "the thread has no register '" + std::string(name) + "'"};
   info = &*found;
   return std::nullopt;
 }
@@ -46,10 +50,21 @@ Outcome ValueBytes(const cpu::RegisterInfo& info, const BitData* value, std::vec
   uint64_t highest = BITDATA_NOT_FOUND;
   BitData_FindLast(value, 0, value->bitSize, &highest);
   if (highest != BITDATA_NOT_FOUND && highest >= info.bitWidth)
-    return Failure{kValueOutOfRange, "the value does not fit the " + std::to_string(info.bitWidth) + " bits of '" +
-                                         info.name + "'"};
+    return Failure{kValueOutOfRange,
+                   "the value does not fit the " + std::to_string(info.bitWidth) + " bits of '" + info.name + "'"};
   BitData_GetBuffer(value, 0, bytes.data(), bytes.size());
   return std::nullopt;
+}
+
+// The thread of an operation on `count` registers; its arrays must be
+// there when it names any.
+Outcome ThreadForMany(uint32_t deviceId, uint32_t count,
+                      std::initializer_list<std::pair<const void*, const char*>> arrays, CpuThread& cpu) {
+  for (const auto& [array, argument] : arrays) {
+    if (count == 0) break;
+    if (auto refused = CheckNotNull(array, argument)) return refused;
+  }
+  return FindThread(deviceId, cpu);
 }
 
 Outcome ReadRegisterValue(const CpuThread& cpu, const cpu::RegisterInfo& info, ReceiptValue& value) {
@@ -62,11 +77,8 @@ Outcome ReadRegisterValue(const CpuThread& cpu, const cpu::RegisterInfo& info, R
 
 Outcome ReadRegistersWork(uint32_t deviceId, const char* const* names, uint32_t count, uint64_t* tokens) {
   CpuThread cpu;
-  if (count > 0) {
-    if (auto refused = CheckNotNull(names, "registerNames")) return refused;
-    if (auto refused = CheckNotNull(tokens, "operationTokens")) return refused;
-  }
-  if (auto refused = FindThread(deviceId, cpu)) return refused;
+  if (auto refused = ThreadForMany(deviceId, count, {{names, "registerNames"}, {tokens, "operationTokens"}}, cpu))
+    return refused;
   std::vector<ReceiptValue> values(count);
   for (uint32_t i = 0; i < count; ++i) {
     const cpu::RegisterInfo* info = nullptr;
@@ -81,12 +93,9 @@ Outcome ReadRegistersWork(uint32_t deviceId, const char* const* names, uint32_t 
 Outcome WriteRegistersWork(uint32_t deviceId, const char* const* names, uint32_t count, const BitData* const* values,
                            uint64_t* tokens) {
   CpuThread cpu;
-  if (count > 0) {
-    if (auto refused = CheckNotNull(names, "registerNames")) return refused;
-    if (auto refused = CheckNotNull(values, "values")) return refused;
-    if (auto refused = CheckNotNull(tokens, "operationTokens")) return refused;
-  }
-  if (auto refused = FindThread(deviceId, cpu)) return refused;
+  if (auto refused = ThreadForMany(deviceId, count,
+                                   {{names, "registerNames"}, {values, "values"}, {tokens, "operationTokens"}}, cpu))
+    return refused;
   std::vector<const cpu::RegisterInfo*> infos(count);
   std::vector<std::vector<uint8_t>> bytes(count);
   std::vector<ReceiptValue> before(count);
@@ -113,11 +122,7 @@ Outcome WriteRegistersWork(uint32_t deviceId, const char* const* names, uint32_t
 
 Outcome ReadMsrsWork(uint32_t deviceId, const uint32_t* msrs, uint32_t count, uint64_t* tokens) {
   CpuThread cpu;
-  if (count > 0) {
-    if (auto refused = CheckNotNull(msrs, "msrs")) return refused;
-    if (auto refused = CheckNotNull(tokens, "operationTokens")) return refused;
-  }
-  if (auto refused = FindThread(deviceId, cpu)) return refused;
+  if (auto refused = ThreadForMany(deviceId, count, {{msrs, "msrs"}, {tokens, "operationTokens"}}, cpu)) return refused;
   std::vector<uint64_t> values(count);
   for (uint32_t i = 0; i < count; ++i) {
     if (const auto result = cpu.backend().ReadMsr(cpu.thread, msrs[i], values[i]); result != cpu::CpuResult::Ok)
@@ -130,12 +135,9 @@ Outcome ReadMsrsWork(uint32_t deviceId, const uint32_t* msrs, uint32_t count, ui
 Outcome WriteMsrsWork(uint32_t deviceId, const uint32_t* msrs, uint32_t count, const BitData* const* values,
                       uint64_t* tokens) {
   CpuThread cpu;
-  if (count > 0) {
-    if (auto refused = CheckNotNull(msrs, "msrs")) return refused;
-    if (auto refused = CheckNotNull(values, "values")) return refused;
-    if (auto refused = CheckNotNull(tokens, "operationTokens")) return refused;
-  }
-  if (auto refused = FindThread(deviceId, cpu)) return refused;
+  if (auto refused =
+          ThreadForMany(deviceId, count, {{msrs, "msrs"}, {values, "values"}, {tokens, "operationTokens"}}, cpu))
+    return refused;
   std::vector<uint64_t> numbers(count);
   std::vector<uint64_t> before(count);
   const cpu::RegisterInfo msrWidth{"msr", 64, cpu::RegisterGroup::Model};
@@ -206,8 +208,8 @@ Outcome GetRegistersWork(uint32_t deviceId, uint32_t maxNumRegisters, char (*reg
     registerNames[i][kRegisterNameSize - 1] = '\0';
   }
   if (count < registers.size())
-    return Failure{kBufferTooSmall, "the thread has " + std::to_string(registers.size()) + " registers, room was made for " +
-                                        std::to_string(maxNumRegisters)};
+    return Failure{kBufferTooSmall, "the thread has " + std::to_string(registers.size()) +
+                                        " registers, room was made for " + std::to_string(maxNumRegisters)};
   return std::nullopt;
 }
 
@@ -243,8 +245,8 @@ uint32_t ReadRegister(uint32_t deviceId, const char* registerName, uint64_t* ope
 }
 
 uint32_t WriteRegister(uint32_t deviceId, const char* registerName, const BitData* value, uint64_t* operationToken) {
-  VOXTREL_COMPONENT_CALL("RunControl.WriteRegister", "deviceId=", HexText(deviceId), ", valueBits=",
-                         value == nullptr ? 0 : value->bitSize);
+  VOXTREL_COMPONENT_CALL("RunControl.WriteRegister", "deviceId=", HexText(deviceId),
+                         ", valueBits=", value == nullptr ? 0 : value->bitSize);
   if (const uint32_t refused = VOXTREL_ANSWER(CheckNotNull(operationToken, "operationToken"))) return refused;
   return VOXTREL_ANSWER(WriteRegistersWork(deviceId, &registerName, 1, &value, operationToken));
 }
@@ -257,16 +259,15 @@ uint32_t ReadRegisters(uint32_t deviceId, const char* const* registerNames, uint
 
 uint32_t WriteRegisters(uint32_t deviceId, const char* const* registerNames, uint32_t numRegisters,
                         const BitData* const* values, uint64_t* operationTokens) {
-  VOXTREL_COMPONENT_CALL("RunControl.WriteRegisters", "deviceId=", HexText(deviceId), ", numRegisters=",
-                         numRegisters);
+  VOXTREL_COMPONENT_CALL("RunControl.WriteRegisters", "deviceId=", HexText(deviceId), ", numRegisters=", numRegisters);
   return VOXTREL_ANSWER(WriteRegistersWork(deviceId, registerNames, numRegisters, values, operationTokens));
 }
 
 uint32_t ReadCPUIDValue(uint32_t deviceId, uint32_t inputEax, uint32_t inputEcx, uint32_t whichRegister,
                         uint32_t valueWidthInDwords, uint64_t* operationToken) {
   VOXTREL_COMPONENT_CALL("RunControl.ReadCPUIDValue", "deviceId=", HexText(deviceId), ", inputEax=", HexText(inputEax),
-                         ", inputEcx=", HexText(inputEcx), ", whichRegister=", whichRegister, ", width=",
-                         valueWidthInDwords);
+                         ", inputEcx=", HexText(inputEcx), ", whichRegister=", whichRegister,
+                         ", width=", valueWidthInDwords);
   return VOXTREL_ANSWER(ReadCpuidWork(deviceId, inputEax, inputEcx, whichRegister, valueWidthInDwords, operationToken));
 }
 
@@ -281,8 +282,8 @@ uint32_t GetNumRegisters(uint32_t deviceId, uint32_t* numRegisters) {
 }
 
 uint32_t GetRegisters(uint32_t deviceId, uint32_t maxNumRegisters, char (*registerNames)[kRegisterNameSize]) {
-  VOXTREL_COMPONENT_CALL("RunControl.GetRegisters", "deviceId=", HexText(deviceId), ", maxNumRegisters=",
-                         maxNumRegisters);
+  VOXTREL_COMPONENT_CALL("RunControl.GetRegisters", "deviceId=", HexText(deviceId),
+                         ", maxNumRegisters=", maxNumRegisters);
   return VOXTREL_ANSWER(GetRegistersWork(deviceId, maxNumRegisters, registerNames));
 }
 

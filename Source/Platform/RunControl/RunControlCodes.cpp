@@ -8,19 +8,32 @@ namespace {
 uint32_t CodeOf(cpu::CpuResult result) {
   using cpu::CpuResult;
   switch (result) {
-    case CpuResult::Ok: return 0;
-    case CpuResult::UnknownThread: return kThreadNotAvailable;
-    case CpuResult::Unmapped: return kMemoryNotAccessible;
-    case CpuResult::ReadOnly: return kMemoryWriteFailed;
-    case CpuResult::TooLarge: return kMemoryLengthInvalid;
-    case CpuResult::BadSize: return kValueOutOfRange;
-    case CpuResult::UnknownRegister: return kRegisterNotFound;
-    case CpuResult::ReadOnlyRegister: return kRegisterAccessFailed;
-    case CpuResult::GeneralProtection: return kRegisterAccessFailed;
-    case CpuResult::UnknownBreakpoint: return kValueOutOfRange;
-    case CpuResult::BadBreakpoint: return kValueOutOfRange;
-    case CpuResult::NotHalted: return kNotSupported;
-    case CpuResult::Unavailable: return kThreadNotAvailable;
+    case CpuResult::Ok:
+      return 0;
+    case CpuResult::UnknownThread:
+      return kThreadNotAvailable;
+    case CpuResult::Unmapped:
+      return kMemoryNotAccessible;
+    case CpuResult::ReadOnly:
+      return kMemoryWriteFailed;
+    case CpuResult::TooLarge:
+      return kMemoryLengthInvalid;
+    case CpuResult::BadSize:
+      return kValueOutOfRange;
+    case CpuResult::UnknownRegister:
+      return kRegisterNotFound;
+    case CpuResult::ReadOnlyRegister:
+      return kRegisterAccessFailed;
+    case CpuResult::GeneralProtection:
+      return kRegisterAccessFailed;
+    case CpuResult::UnknownBreakpoint:
+      return kValueOutOfRange;
+    case CpuResult::BadBreakpoint:
+      return kValueOutOfRange;
+    case CpuResult::NotHalted:
+      return kNotSupported;
+    case CpuResult::Unavailable:
+      return kThreadNotAvailable;
   }
   return kOperationFailed;
 }

@@ -34,7 +34,6 @@ inline constexpr uint32_t kMemoryNotAccessible = 0x1f0008;
 // 0x10 bytes at physical 0xA0000: the range is not mapped".
 target::Failure CpuFailure(cpu::CpuResult result, const std::string& what);
 
-
 // "0x" and lower-case hexadecimal digits, as few as the value needs.
 std::string HexText(uint64_t value);
 

@@ -51,8 +51,7 @@ uint32_t GetRegisters(uint32_t deviceId, uint32_t maxNumRegisters, char (*regist
 uint32_t Assemble(uint32_t deviceId, uint32_t instructionType, const char* instruction,
                   uint64_t instructionAddressOffset, uint32_t maxBufferSize, uint8_t* outputBuffer,
                   uint32_t* numBytesAssembled);
-uint32_t Disassemble(uint32_t deviceId, uint32_t instructionType, uint32_t inputBufferSize,
-                     const uint8_t* inputBuffer, uint64_t instructionAddressOffset, char* outputBuffer,
-                     uint32_t* numBytesDisassembled);
+uint32_t Disassemble(uint32_t deviceId, uint32_t instructionType, uint32_t inputBufferSize, const uint8_t* inputBuffer,
+                     uint64_t instructionAddressOffset, char* outputBuffer, uint32_t* numBytesDisassembled);
 
 }  // namespace voxtrel::platform::run_control

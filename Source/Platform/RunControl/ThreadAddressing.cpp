@@ -35,7 +35,8 @@ uint64_t DescriptorBase(uint64_t descriptor) {
 
 target::Outcome ThreadAddressing::Register(std::string_view name, uint64_t& value) {
   const auto& registers = backend_.Registers();
-  const auto info = std::find_if(registers.begin(), registers.end(), [&](const cpu::RegisterInfo& r) { return r.name == name; });
+  const auto info =
+      std::find_if(registers.begin(), registers.end(), [&](const cpu::RegisterInfo& r) { return r.name == name; });
   if (info == registers.end() || info->bitWidth > 64)
     return target::Failure{kRegisterNotFound, "the thread has no register '" + std::string(name) + "'"};
   std::array<uint8_t, 8> bytes{};
@@ -57,7 +58,8 @@ target::Outcome ThreadAddressing::LongMode(bool& longMode) {
 target::Outcome ThreadAddressing::TableEntry(uint64_t physical, uint32_t size, uint64_t& entry) {
   entry = 0;
   const auto result = backend_.ReadPhysical(physical, std::span(reinterpret_cast<uint8_t*>(&entry), size));
-  if (result != cpu::CpuResult::Ok) return CpuFailure(result, "reading a page table entry at physical " + HexText(physical));
+  if (result != cpu::CpuResult::Ok)
+    return CpuFailure(result, "reading a page table entry at physical " + HexText(physical));
   return std::nullopt;
 }
 
@@ -176,7 +178,9 @@ target::Outcome ThreadAddressing::SegmentBase(uint16_t selector, const uint16_t*
 target::Outcome ThreadAddressing::ToLinear(const VXT_Address& address, uint64_t& linear) {
   uint64_t base = 0;
   switch (address.addressType) {
-    case VXT_AddressType_Linear: linear = address.offset; return std::nullopt;
+    case VXT_AddressType_Linear:
+      linear = address.offset;
+      return std::nullopt;
     case VXT_AddressType_OneFieldCodeLogical:
       if (auto refused = Register("cs_base", base)) return refused;
       break;

@@ -41,10 +41,8 @@ class IInternalService_Memory {
   // VMCS fields are not reachable on this target: always VXT_E_NOT_IMPLEMENTED.
   virtual VXT_Result VMCSRead32(uint32_t deviceId, uint32_t fieldOffset, uint64_t* operationToken) = 0;
   virtual VXT_Result VMCSRead64(uint32_t deviceId, uint64_t fieldOffset, uint64_t* operationToken) = 0;
-  virtual VXT_Result VMCSWrite32(uint32_t deviceId, uint32_t fieldOffset, uint32_t value,
-                                 uint64_t* operationToken) = 0;
-  virtual VXT_Result VMCSWrite64(uint32_t deviceId, uint64_t fieldOffset, uint64_t value,
-                                 uint64_t* operationToken) = 0;
+  virtual VXT_Result VMCSWrite32(uint32_t deviceId, uint32_t fieldOffset, uint32_t value, uint64_t* operationToken) = 0;
+  virtual VXT_Result VMCSWrite64(uint32_t deviceId, uint64_t fieldOffset, uint64_t value, uint64_t* operationToken) = 0;
   // `destAddress->structureSize` must be VXT_ADDRESS_SIZE.
   virtual VXT_Result ConvertAddress(uint32_t deviceId, const VXT_Address* sourceAddress,
                                     VXT_AddressType destAddressType, VXT_Address* destAddress) = 0;

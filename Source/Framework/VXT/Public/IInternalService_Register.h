@@ -22,8 +22,7 @@ class IInternalService_Register {
   virtual ~IInternalService_Register() = default;
 
   virtual VXT_Result ReadMsr(uint32_t deviceId, uint32_t msr, uint64_t* operationToken) = 0;
-  virtual VXT_Result WriteMsr(uint32_t deviceId, uint32_t msr, const VXT_BitData* value,
-                              uint64_t* operationToken) = 0;
+  virtual VXT_Result WriteMsr(uint32_t deviceId, uint32_t msr, const VXT_BitData* value, uint64_t* operationToken) = 0;
   // `operationTokens` receives numRegisters tokens.
   virtual VXT_Result ReadMsrs(uint32_t deviceId, const uint32_t* msrs, uint64_t* operationTokens,
                               uint32_t numRegisters) = 0;

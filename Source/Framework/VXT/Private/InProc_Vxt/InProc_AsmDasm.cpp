@@ -64,10 +64,9 @@ VXT_Result InProc_AsmDasm::Assemble(uint32_t deviceId, VXT_InstructionType instr
 }
 
 // The In line shows deviceId in decimal and glues inputBuffer to the size.
-VXT_Result InProc_AsmDasm::Disassemble(uint32_t deviceId, VXT_InstructionType instructionType,
-                                       uint32_t inputBufferSize, const uint8_t* inputBuffer,
-                                       uint64_t instructionAddressOffset, char* outputBuffer,
-                                       uint32_t* numBytesDisassembled) {
+VXT_Result InProc_AsmDasm::Disassemble(uint32_t deviceId, VXT_InstructionType instructionType, uint32_t inputBufferSize,
+                                       const uint8_t* inputBuffer, uint64_t instructionAddressOffset,
+                                       char* outputBuffer, uint32_t* numBytesDisassembled) {
   return RunOperation(
       logger, VXT_OPERATION(AsmDasm, Disassemble).Counted(),
       TraceArgs("deviceId", Dec{deviceId}, "instructionType", InstructionTypeText{instructionType}, "inputBufferSize",

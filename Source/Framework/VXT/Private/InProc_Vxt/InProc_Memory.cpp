@@ -55,8 +55,7 @@ uint32_t WriteThroughObject(Call& call, const char* countArgument, const char* t
     return call.ArgumentError(code::kOutOfRange, countArgument, tooLarge).code();
   const OwnedObject object(BitData_CreateManaged(std::max<uint64_t>(requestedBits, data->bitSize)));
   const uint32_t extracted = InProc_BitData::Instance()._ExtractAsRawBits(
-      data, 0, data->bitSize, reinterpret_cast<uint8_t*>(object->words), (data->bitSize + 7) / 8,
-      ReportArgument{call});
+      data, 0, data->bitSize, reinterpret_cast<uint8_t*>(object->words), (data->bitSize + 7) / 8, ReportArgument{call});
   if (extracted != code::kSuccess) return extracted;
   return write(*object);
 }
@@ -111,12 +110,11 @@ VXT_Result InProc_Memory::WriteMemory(uint32_t deviceId, const VXT_Address* addr
                         call.Require(byteCount > 0, code::kCountNotPositive, call.prefix(),
                                      " argument error (byteCount) : Byte count must be greater than zero.");
                         return call.Core(runControl, [&](const Table& t) {
-                          return WriteThroughObject(call, "byteCount", "Byte count too large",
-                                                    static_cast<uint64_t>(byteCount) * 8, data,
-                                                    [&](const BitData& object) {
-                                                      return t.WriteMemory(deviceId, address, byteCount, 0, &object,
-                                                                           operationToken);
-                                                    });
+                          return WriteThroughObject(
+                              call, "byteCount", "Byte count too large", static_cast<uint64_t>(byteCount) * 8, data,
+                              [&](const BitData& object) {
+                                return t.WriteMemory(deviceId, address, byteCount, 0, &object, operationToken);
+                              });
                         });
                       });
 }
@@ -151,17 +149,15 @@ VXT_Result InProc_Memory::WriteIO(uint32_t deviceId, int32_t port, uint32_t port
 VXT_Result InProc_Memory::VMCSRead32(uint32_t deviceId, uint32_t fieldOffset, uint64_t* operationToken) {
   return RunOperation(logger, VXT_OPERATION(Memory, VMCSRead32).Counted(),
                       TraceArgs("deviceId", Hex8{deviceId}, "fieldOffset", Hex8{fieldOffset}),
-                      TraceArgs("operationToken", Out<Hex16>(operationToken)), [&](Call& call) {
-                        return RefuseVmcs(call.NotNull(operationToken, "operationToken"));
-                      });
+                      TraceArgs("operationToken", Out<Hex16>(operationToken)),
+                      [&](Call& call) { return RefuseVmcs(call.NotNull(operationToken, "operationToken")); });
 }
 
 VXT_Result InProc_Memory::VMCSRead64(uint32_t deviceId, uint64_t fieldOffset, uint64_t* operationToken) {
   return RunOperation(logger, VXT_OPERATION(Memory, VMCSRead64).Counted(),
                       TraceArgs("deviceId", Hex8{deviceId}, "fieldOffset", Hex16{fieldOffset}),
-                      TraceArgs("operationToken", Out<Hex16>(operationToken)), [&](Call& call) {
-                        return RefuseVmcs(call.NotNull(operationToken, "operationToken"));
-                      });
+                      TraceArgs("operationToken", Out<Hex16>(operationToken)),
+                      [&](Call& call) { return RefuseVmcs(call.NotNull(operationToken, "operationToken")); });
 }
 
 VXT_Result InProc_Memory::VMCSWrite32(uint32_t deviceId, uint32_t fieldOffset, uint32_t value,
@@ -212,12 +208,11 @@ VXT_Result InProc_Memory::WriteMemoryWithAccessWidth(uint32_t deviceId, const VX
                             .Require(IsAccessWidth(accessWidth), code::kInvalidMemoryAccessWidth, call.prefix(),
                                      " argument error (accessWidth) : Invalid memory access width");
                         return call.Core(runControl, [&](const Table& t) {
-                          return WriteThroughObject(call, "count", "Count too large",
-                                                    static_cast<uint64_t>(count) * accessWidth * 8, data,
-                                                    [&](const BitData& object) {
-                                                      return t.WriteMemory(deviceId, address, count, accessWidth,
-                                                                           &object, operationToken);
-                                                    });
+                          return WriteThroughObject(
+                              call, "count", "Count too large", static_cast<uint64_t>(count) * accessWidth * 8, data,
+                              [&](const BitData& object) {
+                                return t.WriteMemory(deviceId, address, count, accessWidth, &object, operationToken);
+                              });
                         });
                       });
 }

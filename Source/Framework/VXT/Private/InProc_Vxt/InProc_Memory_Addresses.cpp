@@ -29,27 +29,28 @@ Quoted AddressTextBuffer(const char* buffer) { return Quoted{buffer, VXT_ADDRESS
 
 VXT_Result InProc_Memory::ConvertAddress(uint32_t deviceId, const VXT_Address* sourceAddress,
                                          VXT_AddressType destAddressType, VXT_Address* destAddress) {
-  return RunOperation(logger, VXT_OPERATION(Memory, ConvertAddress).Counted(),
-                      TraceArgs("deviceId", Hex8{deviceId}, "sourceAddress", AddressText{sourceAddress},
-                                "destAddressType", AddressTypeText{destAddressType}, "destAddress",
-                                AddressText{destAddress}),
-                      TraceArgs("destAddress", AddressText{destAddress}), [&](Call& call) {
-                        call.NotNull(sourceAddress, "sourceAddress").Core([&] {
-                          return _CheckAddress(destAddress, ReportArgument{call, "destAddress"});
-                        });
-                        return call.Core(runControl, [&](const Table& t) {
-                          return t.ConvertAddress(deviceId, sourceAddress, destAddressType, destAddress);
-                        });
-                      });
+  return RunOperation(
+      logger, VXT_OPERATION(Memory, ConvertAddress).Counted(),
+      TraceArgs("deviceId", Hex8{deviceId}, "sourceAddress", AddressText{sourceAddress}, "destAddressType",
+                AddressTypeText{destAddressType}, "destAddress", AddressText{destAddress}),
+      TraceArgs("destAddress", AddressText{destAddress}), [&](Call& call) {
+        call.NotNull(sourceAddress, "sourceAddress").Core([&] {
+          return _CheckAddress(destAddress, ReportArgument{call, "destAddress"});
+        });
+        return call.Core(runControl, [&](const Table& t) {
+          return t.ConvertAddress(deviceId, sourceAddress, destAddressType, destAddress);
+        });
+      });
 }
 
 VXT_Result InProc_Memory::AddressToString(const VXT_Address* address, char* buffer) {
-  return RunOperation(logger, VXT_OPERATION(Memory, AddressToString), TraceArgs("address", AddressText{address}),
-                      TraceArgs("buffer", AddressTextBuffer(buffer)), [&](Call& call) {
-                        return call.NotNull(address, "address").NotNull(buffer, "buffer").Core(runControl, [&](const Table& t) {
-                          return t.AddressToString(address, buffer);
-                        });
-                      });
+  return RunOperation(
+      logger, VXT_OPERATION(Memory, AddressToString), TraceArgs("address", AddressText{address}),
+      TraceArgs("buffer", AddressTextBuffer(buffer)), [&](Call& call) {
+        return call.NotNull(address, "address").NotNull(buffer, "buffer").Core(runControl, [&](const Table& t) {
+          return t.AddressToString(address, buffer);
+        });
+      });
 }
 
 VXT_Result InProc_Memory::AddressFromString(const char* addressAsString, VXT_Address* address) {
@@ -59,22 +60,21 @@ VXT_Result InProc_Memory::AddressFromString(const char* addressAsString, VXT_Add
                         NoteNull(call, addressAsString, "addressAsString");
                         NoteNull(call, address, "address");
                         call.Core([&] { return _CheckAddress(address, ReportArgument{call, "address"}); });
-                        return call.Core(runControl, [&](const Table& t) {
-                          return t.AddressFromString(addressAsString, address);
-                        });
+                        return call.Core(runControl,
+                                         [&](const Table& t) { return t.AddressFromString(addressAsString, address); });
                       });
 }
 
 VXT_Result InProc_Memory::InvalidateCache(uint32_t deviceId, uint32_t writeModifiedCacheToMainMemory,
                                           uint64_t* operationToken) {
-  return RunOperation(logger, VXT_OPERATION(Memory, InvalidateCache).Counted(),
-                      TraceArgs("deviceId", Hex8{deviceId}, "writeModifiedCacheToMainMemory",
-                                Bool{writeModifiedCacheToMainMemory}),
-                      TraceArgs("operationToken", Out<Hex16>(operationToken)), [&](Call& call) {
-                        return call.Core(runControl, [&](const Table& t) {
-                          return t.InvalidateCache(deviceId, writeModifiedCacheToMainMemory != 0, operationToken);
-                        });
-                      });
+  return RunOperation(
+      logger, VXT_OPERATION(Memory, InvalidateCache).Counted(),
+      TraceArgs("deviceId", Hex8{deviceId}, "writeModifiedCacheToMainMemory", Bool{writeModifiedCacheToMainMemory}),
+      TraceArgs("operationToken", Out<Hex16>(operationToken)), [&](Call& call) {
+        return call.Core(runControl, [&](const Table& t) {
+          return t.InvalidateCache(deviceId, writeModifiedCacheToMainMemory != 0, operationToken);
+        });
+      });
 }
 
 VXT_Result InProc_Memory::LoadMemory(uint32_t deviceId, const char* fileName, const VXT_Address* fromAddress,
@@ -98,22 +98,21 @@ VXT_Result InProc_Memory::LoadMemory(uint32_t deviceId, const char* fileName, co
 VXT_Result InProc_Memory::SaveMemory(uint32_t deviceId, const char* fileName, const VXT_Address* fromAddress,
                                      const VXT_Address* toAddress, uint32_t overwriteFile, const char* fileType,
                                      const char* saveOptions, uint64_t* operationToken) {
-  return RunOperation(
-      logger, VXT_OPERATION(Memory, SaveMemory).Counted(),
-      TraceArgs("deviceId", Glued(Hex8{deviceId}, "fileName", Quoted{fileName}), "fromAddress",
-                AddressText{fromAddress}, "toAddress",
-                Glued(Glued(Glued(AddressText{toAddress}, "overwriteFile", Bool{overwriteFile}), "fileType",
-                            Quoted{fileType}),
-                      "saveOptions", Quoted{saveOptions})),
-      TraceArgs("operationToken", Out<Hex16>(operationToken)), [&](Call& call) {
-        NoteNull(call, fileName, "fileName");
-        NoteNull(call, fileType, "fileType");
-        NoteNull(call, operationToken, "operationToken");
-        return call.Core(runControl, [&](const Table& t) {
-          return t.SaveMemory(deviceId, fileName, fromAddress, toAddress, overwriteFile != 0, fileType, saveOptions,
-                              operationToken);
-        });
-      });
+  return RunOperation(logger, VXT_OPERATION(Memory, SaveMemory).Counted(),
+                      TraceArgs("deviceId", Glued(Hex8{deviceId}, "fileName", Quoted{fileName}), "fromAddress",
+                                AddressText{fromAddress}, "toAddress",
+                                Glued(Glued(Glued(AddressText{toAddress}, "overwriteFile", Bool{overwriteFile}),
+                                            "fileType", Quoted{fileType}),
+                                      "saveOptions", Quoted{saveOptions})),
+                      TraceArgs("operationToken", Out<Hex16>(operationToken)), [&](Call& call) {
+                        NoteNull(call, fileName, "fileName");
+                        NoteNull(call, fileType, "fileType");
+                        NoteNull(call, operationToken, "operationToken");
+                        return call.Core(runControl, [&](const Table& t) {
+                          return t.SaveMemory(deviceId, fileName, fromAddress, toAddress, overwriteFile != 0, fileType,
+                                              saveOptions, operationToken);
+                        });
+                      });
 }
 
 }  // namespace vxt

@@ -68,28 +68,28 @@ VXT_Result InProc_Register::ReadMsr(uint32_t deviceId, uint32_t msr, uint64_t* o
 
 VXT_Result InProc_Register::WriteMsr(uint32_t deviceId, uint32_t msr, const VXT_BitData* value,
                                      uint64_t* operationToken) {
-  return RunOperation(logger, VXT_OPERATION(Register, WriteMsr).Counted(),
-                      TraceArgs("deviceId", Hex8{deviceId}, "msr", Hex8{msr}, "value", BitDataText{value}),
-                      TraceArgs("operationToken", Out<Hex16>(operationToken)), [&](Call& call) {
-                        BitData* object = nullptr;
-                        BitDataChecks(call).Holding(value, "value").Managed(value, object, nullptr);
-                        return call.Core(runControl,
-                                         [&](const Table& t) { return t.WriteMsr(deviceId, msr, object, operationToken); });
-                      });
+  return RunOperation(
+      logger, VXT_OPERATION(Register, WriteMsr).Counted(),
+      TraceArgs("deviceId", Hex8{deviceId}, "msr", Hex8{msr}, "value", BitDataText{value}),
+      TraceArgs("operationToken", Out<Hex16>(operationToken)), [&](Call& call) {
+        BitData* object = nullptr;
+        BitDataChecks(call).Holding(value, "value").Managed(value, object, nullptr);
+        return call.Core(runControl, [&](const Table& t) { return t.WriteMsr(deviceId, msr, object, operationToken); });
+      });
 }
 
 VXT_Result InProc_Register::ReadMsrs(uint32_t deviceId, const uint32_t* msrs, uint64_t* operationTokens,
                                      uint32_t numRegisters) {
-  return RunOperation(logger, VXT_OPERATION(Register, ReadMsrs).Counted(),
-                      TraceArgs("deviceId", Hex8{deviceId}, "msrs", List<Hex8>(msrs, numRegisters), "numRegisters",
-                                Dec{numRegisters}),
-                      TraceArgs("operationTokens", List<Hex16>(operationTokens, numRegisters)), [&](Call& call) {
-                        call.NotNull(msrs, "msrs").NotNull(operationTokens, "operationTokens");
-                        return call.Core(runControl, [&](const Table& t) {
-                          if (numRegisters == 0) return code::kSuccess;
-                          return t.ReadMsrs(deviceId, msrs, numRegisters, operationTokens);
-                        });
-                      });
+  return RunOperation(
+      logger, VXT_OPERATION(Register, ReadMsrs).Counted(),
+      TraceArgs("deviceId", Hex8{deviceId}, "msrs", List<Hex8>(msrs, numRegisters), "numRegisters", Dec{numRegisters}),
+      TraceArgs("operationTokens", List<Hex16>(operationTokens, numRegisters)), [&](Call& call) {
+        call.NotNull(msrs, "msrs").NotNull(operationTokens, "operationTokens");
+        return call.Core(runControl, [&](const Table& t) {
+          if (numRegisters == 0) return code::kSuccess;
+          return t.ReadMsrs(deviceId, msrs, numRegisters, operationTokens);
+        });
+      });
 }
 
 VXT_Result InProc_Register::WriteMsrs(uint32_t deviceId, const uint32_t* msrs, const VXT_BitData* values,
@@ -108,15 +108,14 @@ VXT_Result InProc_Register::WriteMsrs(uint32_t deviceId, const uint32_t* msrs, c
 }
 
 VXT_Result InProc_Register::ReadRegister(uint32_t deviceId, const char* registerName, uint64_t* operationToken) {
-  return RunOperation(logger, VXT_OPERATION(Register, ReadRegister).Counted(),
-                      TraceArgs("deviceId", Hex8{deviceId}, "registerName", Quoted{registerName}),
-                      TraceArgs("operationToken", Out<Hex16>(operationToken)), [&](Call& call) {
-                        return call.NotNull(registerName, "registerName")
-                            .NotNull(operationToken, "operationToken")
-                            .Core(runControl, [&](const Table& t) {
-                              return t.ReadRegister(deviceId, registerName, operationToken);
-                            });
-                      });
+  return RunOperation(
+      logger, VXT_OPERATION(Register, ReadRegister).Counted(),
+      TraceArgs("deviceId", Hex8{deviceId}, "registerName", Quoted{registerName}),
+      TraceArgs("operationToken", Out<Hex16>(operationToken)), [&](Call& call) {
+        return call.NotNull(registerName, "registerName")
+            .NotNull(operationToken, "operationToken")
+            .Core(runControl, [&](const Table& t) { return t.ReadRegister(deviceId, registerName, operationToken); });
+      });
 }
 
 VXT_Result InProc_Register::WriteRegister(uint32_t deviceId, const char* registerName, const VXT_BitData* value,

@@ -1,10 +1,10 @@
 #include "ServiceTable.h"
 
 #include "InProc_AsmDasm.h"
-#include "InProc_Event.h"
 #include "InProc_BitData.h"
 #include "InProc_BitDataOperations.h"
 #include "InProc_Device.h"
+#include "InProc_Event.h"
 #include "InProc_General.h"
 #include "InProc_Memory.h"
 #include "InProc_JtagAccess.h"
