@@ -139,6 +139,7 @@ void OpenOcdScan(benchmark::State& state) {
   state.counters["Mbit/s"] = benchmark::Counter(static_cast<double>(length) * static_cast<double>(state.iterations()) / 1e6,
                                                 benchmark::Counter::kIsRate);
 }
-BENCHMARK(OpenOcdScan)->Arg(32)->Arg(4096)->Unit(benchmark::kMillisecond);
+// The work is in the other two processes: wall-clock time.
+BENCHMARK(OpenOcdScan)->Arg(32)->Arg(4096)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 }  // namespace
