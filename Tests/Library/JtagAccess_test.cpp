@@ -63,6 +63,9 @@ TEST_F(JtagTest, RefusalsStopAtTheFirstFailingRecordWithItsPrefix) {
       {"shift outside a shift state",
        [&](uint64_t* t) { return access->Shift(kChain, VXT_JtagState_RTI, 8, nullptr, t); },
        static_cast<VXT_Result>(0x80000003), "Jtag.Shift: chain JtagChain0 is in TLR, not in ShfDR or ShfIR"},
+      {"a shift no probe could hold",
+       [&](uint64_t* t) { return access->Shift(kChain, VXT_JtagState_ShfDR, 0xffffffff, nullptr, t); },
+       static_cast<VXT_Result>(0x80000002), "Jtag.Shift: shiftCount 4294967295 is more than 16777216 bits"},
       {"malformed bundle",
        [&](uint64_t* t) {
          static const uint8_t bundle[] = {0x03, 0x02, 0x04, 0x10};
@@ -148,7 +151,7 @@ class JtagBoardTest : public JtagTest {
   void SetUp() override {
     PlatformTest::SetUp();
     ASSERT_EQ(StartNewInstance(&client, 1, 0, nullptr), VXT_SUCCESS);
-    ASSERT_EQ(SelectConfigurationByFileName(VXT_TEST_DATA_DIR "/JtagBoard.json"), VXT_SUCCESS);
+    ASSERT_EQ(SelectConfigurationByFileName(VXT_TEST_DATA_DIR "/Jtag/JtagBoard.json"), VXT_SUCCESS);
     ASSERT_EQ(FinishInitialization(), VXT_SUCCESS);
     access = GetServiceAs<IInternalService_JtagAccess>(VXT_Service_JtagAccess);
     bits = &BitDataService();

@@ -104,16 +104,7 @@ const bool registered = RegisterCommand(
        arguments.flags["once"] = false;
        command.add_flag("--once", arguments.flags["once"], "End after the first client has gone");
      },
-     [](const CommandArguments& arguments, const SessionOptions& options, std::ostream& out) {
-       try {
-         return Bitbang(arguments, options, out);
-       } catch (const CallFailed&) {
-         throw;
-       } catch (const std::exception& failure) {
-         std::cerr << "vxt: " << failure.what() << '\n';
-         return 1;
-       }
-     }});
+     &ReportingUserErrors<&Bitbang>});
 
 }  // namespace
 }  // namespace vxt::cli

@@ -68,14 +68,25 @@ std::vector<uint32_t> TapsOf(IInternalService_Device& devices, uint32_t chain) {
 
 constexpr int kMaxDevices = 64;
 
+// What the chain answers after a reset, from the TDO end.
+struct Idcodes {
+  uint32_t codes[kMaxDevices] = {};
+  int32_t found = 0;
+  VXT_JtagTdiTdoContinuity traits{};
+};
+Idcodes ReadIdcodes(Session& session, uint32_t chain) {
+  Idcodes read;
+  Check(session.Get<IInternalService_JtagDiagnostic>(VXT_Service_JtagDiagnostic)
+            .TapResetGetIdcodes(chain, kMaxDevices, read.codes, &read.found, &read.traits),
+        "TapResetGetIdcodes");
+  return read;
+}
+
 void ShowChain(Session& session, uint32_t chain, std::ostream& out) {
   auto& devices = session.Get<IInternalService_Device>(VXT_Service_Device);
   auto& configuration = session.Get<IInternalService_JtagConfiguration>(VXT_Service_JtagConfiguration);
-  auto& diagnostic = session.Get<IInternalService_JtagDiagnostic>(VXT_Service_JtagDiagnostic);
-  uint32_t idcodes[kMaxDevices] = {};
-  int32_t found = 0;
-  VXT_JtagTdiTdoContinuity traits{};
-  Check(diagnostic.TapResetGetIdcodes(chain, kMaxDevices, idcodes, &found, &traits), "TapResetGetIdcodes");
+  const Idcodes read = ReadIdcodes(session, chain);
+  const int32_t found = read.found;
   const std::vector<uint32_t> taps = TapsOf(devices, chain);
   out << "Chain " << IdentifierOf(devices, chain) << " (" << Hex(chain, 8) << "), TDI to TDO:\n";
   for (size_t i = 0; i < taps.size(); ++i) {
@@ -83,25 +94,24 @@ void ShowChain(Session& session, uint32_t chain, std::ostream& out) {
     Check(configuration.GetDeviceIrLength(taps[i], &irLength), "GetDeviceIrLength");
     // IDCODEs come from the TDO end.
     const size_t fromTdo = taps.size() - 1 - i;
-    const uint32_t idcode = fromTdo < static_cast<size_t>(found) ? idcodes[fromTdo] : 0;
+    const uint32_t idcode = fromTdo < static_cast<size_t>(found) ? read.codes[fromTdo] : 0;
     out << "  " << IdentifierOf(devices, taps[i]) << "  irlen " << irLength << "  idcode " << Hex(idcode, 8) << "  "
         << DecodeIdcode(idcode) << '\n';
   }
-  if (found != static_cast<int32_t>(taps.size()) || traits != VXT_JtagTdiTdoContinuity_GOOD)
-    out << "  The chain answers with " << found << " TAP controllers; TDI-TDO path: " << TraitsText(traits) << '\n';
+  if (found != static_cast<int32_t>(taps.size()) || read.traits != VXT_JtagTdiTdoContinuity_GOOD)
+    out << "  The chain answers with " << found << " TAP controllers; TDI-TDO path: " << TraitsText(read.traits)
+        << '\n';
 }
 
 void Diagnose(Session& session, uint32_t chain, std::ostream& out) {
   auto& devices = session.Get<IInternalService_Device>(VXT_Service_Device);
   auto& diagnostic = session.Get<IInternalService_JtagDiagnostic>(VXT_Service_JtagDiagnostic);
   auto& bits = session.Get<IInternalService_BitData>(VXT_Service_BitData);
-  uint32_t idcodes[kMaxDevices] = {};
-  int32_t found = 0;
-  VXT_JtagTdiTdoContinuity traits{};
-  Check(diagnostic.TapResetGetIdcodes(chain, kMaxDevices, idcodes, &found, &traits), "TapResetGetIdcodes");
+  const Idcodes read = ReadIdcodes(session, chain);
   out << "Chain " << IdentifierOf(devices, chain) << "\n  IDCODEs from TDO:";
-  for (int32_t i = 0; i < found; ++i) out << ' ' << Hex(idcodes[i], 8);
-  out << "\n  TDI-TDO path (data registers): " << TraitsText(traits) << '\n';
+  for (int32_t i = 0; i < read.found; ++i) out << ' ' << Hex(read.codes[i], 8);
+  out << "\n  TDI-TDO path (data registers): " << TraitsText(read.traits) << '\n';
+  VXT_JtagTdiTdoContinuity traits{};
 
   std::vector<VXT_BitData> records(kMaxDevices, VXT_BitData{VXT_BITDATA_SIZE, 0, 0});
   std::vector<VXT_BitData*> pointers;
@@ -191,16 +201,7 @@ const bool registered = RegisterCommand(
        arguments.text["ir"];
        command.add_option("--ir", arguments.text["ir"], "drscan: the instruction to load first (the others BYPASS)");
      },
-     [](const CommandArguments& arguments, const SessionOptions& options, std::ostream& out) {
-       try {
-         return Jtag(arguments, options, out);
-       } catch (const CallFailed&) {
-         throw;
-       } catch (const std::exception& failure) {
-         std::cerr << "vxt: " << failure.what() << '\n';
-         return 1;
-       }
-     }});
+     &ReportingUserErrors<&Jtag>});
 
 }  // namespace
 }  // namespace vxt::cli

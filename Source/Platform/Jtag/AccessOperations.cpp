@@ -25,6 +25,14 @@ std::string BitText(const Bits& bits) {
   return text;
 }
 
+// Counts beyond kMaxScanBits are refused before any bit is copied.
+bool TooLong(Request& request, uint64_t count, const char* what) {
+  if (count <= kMaxScanBits) return false;
+  request.Refuse(kOutOfRange, std::string(": ") + what + " " + std::to_string(count) + " is more than " +
+                                  std::to_string(kMaxScanBits) + " bits");
+  return true;
+}
+
 std::optional<TapState> CheckedState(Request& request, uint32_t value) {
   const std::optional<TapState> state = TapStateFromValue(value);
   if (!state) request.Refuse(kOutOfRange, ": " + std::to_string(value) + " is no TAP state");
@@ -38,11 +46,11 @@ uint32_t MoveAndStay(ScanChain& chain, Request& request, TapState state, uint32_
   if (numClocks > 0 && !stay)
     return request.Refuse(kOutOfRange, std::string(": no clock can be spent in ") + TapStateName(state) +
                                            "; only TLR, RTI and the shift and pause states hold");
+  if (IsShiftState(state) && TooLong(request, numClocks, "numClocks")) return request.code();
   chain.MoveTo(state);
-  for (uint32_t i = 0; i < numClocks; ++i) {
-    const bool bit = chain.Clock(*stay, false);
-    if (IsShiftState(state)) tdo.push_back(bit);
-  }
+  // Clocks spent in TLR, RTI or a pause state change nothing.
+  if (!IsShiftState(state)) return 0;
+  tdo = chain.Shift(Bits(numClocks, false), false);
   return 0;
 }
 
@@ -76,6 +84,7 @@ uint32_t GoToState(uint32_t id, VXT_JtagState jtagState, uint32_t numClocks, VXT
 uint32_t Shift(uint32_t id, VXT_JtagState jtagState, uint32_t shiftCount, const BitData* tdi,
                uint64_t* operationToken) {
   VOXTREL_COMPONENT_CALL("Jtag.Shift", "id=", HexId(id), ", jtagState=", jtagState, ", shiftCount=", shiftCount);
+  if (Request request("Jtag.Shift"); TooLong(request, shiftCount, "shiftCount")) return request.code();
   return RunScan("Jtag.Shift", id, operationToken,
                  [=, bits = BitsOf(tdi, shiftCount, false)](ChainTarget& target, Request& request, ReceiptOutcome& out) {
                    const std::optional<TapState> state = CheckedState(request, jtagState);
@@ -150,7 +159,9 @@ bool CapturedIrPattern(const ChainTarget& target, const Bits& captured) {
 uint32_t Scan(const char* operation, Flavour flavour, uint32_t id, const BitData* ir, uint32_t shiftCount,
               const BitData* dr, const BitData* drMask, uint64_t* operationToken) {
   Request request(operation);
-  if (request.NotNull(ir, "irValue").failed()) return request.code();
+  if (request.NotNull(ir, "irValue").failed() || TooLong(request, shiftCount, "shiftCount") ||
+      TooLong(request, ir->bitSize, "irValue"))
+    return request.code();
   Bits mask = BitsOf(drMask, shiftCount, drMask == nullptr);
   return RunScan(operation, id, operationToken,
                  [=, irBits = BitsOf(ir, ir->bitSize, false), drBits = BitsOf(dr, shiftCount, false)](
@@ -273,7 +284,9 @@ uint32_t ShiftCompare(uint32_t id, VXT_JtagState jtagState, uint32_t shiftCount,
   VOXTREL_COMPONENT_CALL("Jtag.ShiftCompare", "id=", HexId(id), ", jtagState=", jtagState,
                          ", shiftCount=", shiftCount);
   Request request("Jtag.ShiftCompare");
-  if (request.NotNull(compare, "compare").NotNull(compareMask, "compareMask").failed()) return request.code();
+  if (request.NotNull(compare, "compare").NotNull(compareMask, "compareMask").failed() ||
+      TooLong(request, shiftCount, "shiftCount"))
+    return request.code();
   return RunScan("Jtag.ShiftCompare", id, operationToken,
                  [=, bits = BitsOf(tdi, shiftCount, false), expected = BitsOf(compare, shiftCount, false),
                   mask = BitsOf(compareMask, shiftCount, false)](ChainTarget& target, Request& inner,
@@ -319,6 +332,9 @@ uint32_t Repeat(uint32_t id, uint32_t maxIterations, VXT_JtagRepeatType repeatTy
       [=, client = CallingClient()](ChainTarget& target, Request& request, ReceiptOutcome& out) {
         if (repeatType > VXT_JtagRepeatType_TRIGGER_OR_FAIL_AT_MAX_ITER)
           return request.Refuse(kOutOfRange, ": " + std::to_string(repeatType) + " is no repeat type");
+        if (maxIterations > kMaxIterations)
+          return request.Refuse(kOutOfRange, ": maxIterations " + std::to_string(maxIterations) + " is more than " +
+                                                 std::to_string(kMaxIterations));
         const auto mark = target.slot.marked.find(client);
         if (mark == target.slot.marked.end())
           return request.Refuse(kNotSupported, ": the calling client set no Mark on chain " +

@@ -68,6 +68,7 @@ uint32_t CaptureDr(uint32_t id, const BitData* ir, int32_t maxDrLength, BitData*
   Request request("Jtag.CaptureDr");
   if (request.NotNull(ir, "ir").NotNull(dr, "dr").failed()) return request.code();
   if (maxDrLength <= 0) return request.Refuse(kOutOfRange, ": maxDrLength must be positive");
+  if (ir->bitSize > kMaxScanBits) return request.Refuse(kOutOfRange, ": ir is longer than any instruction scan");
   return Diagnose("Jtag.CaptureDr", id,
                   [=, irBits = BitsOf(ir, ir->bitSize, false)](ChainTarget& target, Request& inner, ReceiptOutcome&) {
                     if (irBits.size() != IrScanLength(target))

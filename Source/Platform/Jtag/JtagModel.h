@@ -25,6 +25,11 @@ inline constexpr uint32_t kNotSupported = 0x20002;     // Not in the chain's pre
 inline constexpr uint32_t kChainLocked = 0xe0005;      // Another client holds the chain's lock
 inline constexpr uint32_t kScanMismatch = 0x20004;     // A compare or a verify found other bits
 
+// The longest scan, the most clocks spent in a shift state, and the longest
+// path the diagnostics search for: 16 Mbit. And the most Repeat iterations.
+inline constexpr uint64_t kMaxScanBits = uint64_t{1} << 24;
+inline constexpr uint32_t kMaxIterations = 1u << 20;
+
 // The chain a request names, its slot, and, when it names a TAP controller, which.
 struct ChainSlot;
 struct ChainTarget {

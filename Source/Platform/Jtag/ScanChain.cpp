@@ -97,7 +97,8 @@ Bits ScanChain::Shift(const Bits& tdi, bool exitOnLast) {
   for (size_t i = taps_.size(); i-- > 0;) stream.insert(stream.end(), shiftRegisters_[i].begin(), shiftRegisters_[i].end());
   stream.insert(stream.end(), tdi.begin(), tdi.end());
   Bits tdo(stream.begin(), stream.begin() + static_cast<std::ptrdiff_t>(tdi.size()));
-  for (size_t i = 0; i < tdo.size(); ++i) tdo[i] = FaultyTdo(tdo[i], tdi[i], shiftedBits_ + i);
+  if (fault_ != ChainFault::None)
+    for (size_t i = 0; i < tdo.size(); ++i) tdo[i] = FaultyTdo(tdo[i], tdi[i], shiftedBits_ + i);
   shiftedBits_ += tdo.size();
   size_t position = tdi.size();
   for (size_t i = taps_.size(); i-- > 0;) {

@@ -79,6 +79,7 @@ Bits ScanDr(ChainTarget& target, const Bits& dr) {
 }
 
 PathReading ReadPath(ScanChain& chain, size_t maxLength) {
+  if (maxLength > kMaxScanBits) maxLength = kMaxScanBits;
   const Bits marker = BitsOf(kMarker, kMarkerBits);
   Bits sent = marker;
   sent.resize(maxLength + kMarkerBits, false);
