@@ -35,17 +35,28 @@ class I2cModel {
   }
 
  private:
-  static std::shared_ptr<I2cBus> Build(const Node& node) {
+  std::shared_ptr<I2cBus> Build(const Node& node) {
     auto bus = std::make_shared<I2cBus>();
     bus->identifier = node.identifier;
     if (const auto* details = node.As<target::I2cBusDetails>())
-      for (const target::I2cDevice& device : details->devices) bus->devices[device.address] = MakeDevice(device);
+      for (const target::I2cDevice& device : details->devices) bus->devices[device.address] = Part(node, device);
     return bus;
+  }
+
+  // The part the description places there, made once per process.
+  std::shared_ptr<I2cDevice> Part(const Node& bus, const target::I2cDevice& device) {
+    const std::string key = bus.identifier + '/' + std::to_string(device.address) + '/' + device.name + '/' +
+                            device.kind + '/' + std::to_string(device.size) + '/' +
+                            std::string(device.contents.begin(), device.contents.end());
+    std::shared_ptr<I2cDevice>& part = parts_[key];
+    if (!part) part = MakeDevice(device);
+    return part;
   }
 
   std::mutex mutex_;
   std::weak_ptr<target::LiveTopology> builtFrom_;
   std::map<uint32_t, std::shared_ptr<I2cBus>> buses_;
+  std::map<std::string, std::shared_ptr<I2cDevice>> parts_;
 };
 
 std::string AddressText(uint8_t address) {

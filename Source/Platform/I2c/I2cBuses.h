@@ -1,8 +1,9 @@
 // The I2C buses of the built topology with their devices and the client
 // that holds each bus's lock. Every transfer runs under its bus's mutex.
 // The buses are built from the topology the first time a component asks
-// after FinishInitialization, and kept while that topology lives, so an
-// EEPROM keeps what was written across client cycles.
+// after FinishInitialization. A device keeps its state for the life of the
+// process while the description names the same part at the same place, so
+// an EEPROM keeps what was written across client and power cycles.
 #pragma once
 
 #include <cstdint>
@@ -26,7 +27,7 @@ inline constexpr uint32_t kBusLocked = 0xe0005;    // Another client holds the b
 struct I2cBus {
   std::mutex mutex;
   std::string identifier;
-  std::map<uint8_t, std::unique_ptr<I2cDevice>> devices;  // By 7-bit address
+  std::map<uint8_t, std::shared_ptr<I2cDevice>> devices;  // By 7-bit address
   uint32_t holder = 0;                                    // The client holding the lock; 0 for none
 };
 
