@@ -5,9 +5,13 @@
 #include "Support/ComponentCall.h"
 #include "Target/Failure.h"
 
+namespace voxtrel::platform::pins {
+uint32_t CheckPinChange(uint32_t pinsInterfaceOrDebugPortId, VXT_PinsSignal pinsSignal);
+}  // namespace voxtrel::platform::pins
+
 namespace {
 
-constexpr PlatformControlComponent kPlatformControl{};
+constexpr PlatformControlComponent kPlatformControl{&voxtrel::platform::pins::CheckPinChange};
 
 }  // namespace
 

@@ -75,6 +75,11 @@ struct I2cDevice {
   uint8_t address = 0;  // 7-bit
   std::string name;
   uint32_t size = 0;  // Bytes the device answers for
+  // What answers at the address: "eeprom" (the default) or "temperature".
+  std::string kind = "eeprom";
+  uint32_t pageSize = 8;          // An EEPROM's write page, in bytes
+  std::vector<uint8_t> contents;  // An EEPROM's first bytes; the rest reads 0xff
+  int32_t temperature = 25;       // A sensor's reading, in degrees Celsius
 };
 
 struct I2cBusDetails {

@@ -1,6 +1,7 @@
 #include "TopologyBuilder.h"
 
 #include <array>
+#include <cctype>
 #include <map>
 #include <set>
 #include <unordered_map>
@@ -410,11 +411,12 @@ class Builder {
     if (const Json* devices = object.OptionalArray("devices")) {
       for (size_t position = 0; position < devices->size(); ++position) {
         const ObjectReader reader((*devices)[position], PlaceOf(object.Place("devices"), position),
-                                  {"address", "name", "size"});
+                                  {"address", "name", "size", "kind", "pageSize", "contents", "temperature"});
         I2cDevice device;
         device.address = static_cast<uint8_t>(reader.RequiredUnsigned("address", 0, 0x7f));
         device.name = reader.RequiredString("name", kMaxIdentifierLength);
         device.size = static_cast<uint32_t>(reader.OptionalUnsigned("size", 1, 65536, 256));
+        ReadI2cDeviceModel(reader, device);
         for (const I2cDevice& other : bus.devices) {
           if (other.address == device.address)
             Fail(reader.Place("address"),
@@ -425,6 +427,27 @@ class Builder {
       }
     }
     nodes_[index].details = std::move(bus);
+  }
+
+  // The members that say how the device behaves on the bus.
+  static void ReadI2cDeviceModel(const ObjectReader& reader, I2cDevice& device) {
+    device.kind = reader.OptionalString("kind", 16, "eeprom");
+    if (device.kind != "eeprom" && device.kind != "temperature")
+      Fail(reader.Place("kind"), "unknown I2C device kind '" + device.kind + "' (known: eeprom, temperature)");
+    device.pageSize = static_cast<uint32_t>(reader.OptionalUnsigned("pageSize", 1, 256, 8));
+    device.temperature = static_cast<int32_t>(reader.OptionalUnsigned("temperature", 0, 125, 25));
+    const std::string contents = reader.OptionalString("contents", 2 * 65536 + 65536);
+    std::string digits;
+    for (char c : contents) {
+      if (c == ' ') continue;
+      if (!std::isxdigit(static_cast<unsigned char>(c)))
+        Fail(reader.Place("contents"), "contents are hexadecimal byte pairs, optionally separated by blanks");
+      digits += c;
+    }
+    if (digits.size() % 2 != 0 || digits.size() / 2 > device.size)
+      Fail(reader.Place("contents"), "contents must be whole bytes and no more than the device's size");
+    for (size_t i = 0; i < digits.size(); i += 2)
+      device.contents.push_back(static_cast<uint8_t>(std::stoul(digits.substr(i, 2), nullptr, 16)));
   }
 
   void BuildPinsInterface(const Json& value, const std::string& place, size_t portIndex, DomainState& domain) {

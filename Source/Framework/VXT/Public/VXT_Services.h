@@ -7,6 +7,8 @@
 #include "IInternalService_BitDataOperations.h"
 #include "IInternalService_Device.h"
 #include "IInternalService_General.h"
+#include "IInternalService_I2cAccess.h"
+#include "IInternalService_InterfacePins.h"
 #include "IInternalService_Memory.h"
 #include "IInternalService_JtagAccess.h"
 #include "IInternalService_JtagConfiguration.h"

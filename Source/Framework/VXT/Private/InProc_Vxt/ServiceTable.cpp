@@ -6,6 +6,8 @@
 #include "InProc_Device.h"
 #include "InProc_Event.h"
 #include "InProc_General.h"
+#include "InProc_I2cAccess.h"
+#include "InProc_InterfacePins.h"
 #include "InProc_Memory.h"
 #include "InProc_JtagAccess.h"
 #include "InProc_JtagConfiguration.h"
@@ -51,6 +53,10 @@ void* FindService(uint32_t serviceId) {
       return static_cast<IInternalService_JtagDiagnostic*>(&InProc_JtagDiagnostic::Instance());
     case VXT_Service_OperationReceipt:
       return static_cast<IInternalService_OperationReceipt*>(&InProc_OperationReceipt::Instance());
+    case VXT_Service_I2cAccess:
+      return static_cast<IInternalService_I2cAccess*>(&InProc_I2cAccess::Instance());
+    case VXT_Service_InterfacePins:
+      return static_cast<IInternalService_InterfacePins*>(&InProc_InterfacePins::Instance());
     default:
       return nullptr;
   }

@@ -1,19 +1,16 @@
-// The InterfacePins component's table. Its operations are added as the services
-// that call them are built; the getter answers from library load on, as the
-// table is constant.
+// The InterfacePins component's getter: its table, constant from library
+// load on.
 #include "InterfacePins.h"
 #include "Support/ComponentCall.h"
 #include "Target/Failure.h"
 
-namespace {
-
-constexpr InterfacePinsComponent kInterfacePins{};
-
-}  // namespace
+namespace voxtrel::platform::pins {
+const InterfacePinsComponent* PinsTable();
+}  // namespace voxtrel::platform::pins
 
 uint32_t Voxtrel_GetInterfacePins(const InterfacePinsComponent** table) {
   VOXTREL_COMPONENT_CALL("Voxtrel_GetInterfacePins");
   if (!table) return voxtrel::platform::target::kNullArgument;
-  *table = &kInterfacePins;
+  *table = voxtrel::platform::pins::PinsTable();
   return 0;
 }

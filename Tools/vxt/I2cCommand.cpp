@@ -1,0 +1,144 @@
+// vxt i2c scan|read|write: raw transfers on an I2C bus of the target.
+//
+//   vxt i2c scan I2cBus0               which addresses answer, as i2cdetect shows them
+//   vxt i2c read I2cBus0 0x50 8 0 0    writes the bytes after the count (an
+//                                      address pointer), then reads 8 bytes,
+//                                      with no other transfer in between
+//   vxt i2c write I2cBus0 0x50 0 16 1 2 3
+#include <cstdio>
+#include <iostream>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "CommandRegistry.h"
+#include "DeviceNames.h"
+
+namespace vxt::cli {
+namespace {
+
+uint64_t Number(const std::string& text, uint64_t max, const char* what) {
+  size_t used = 0;
+  const uint64_t value = std::stoull(text, &used, 0);
+  if (used != text.size() || value > max) throw std::runtime_error("'" + text + "' is no " + what);
+  return value;
+}
+
+std::vector<uint8_t> ByteList(const std::vector<std::string>& values, size_t from) {
+  std::vector<uint8_t> bytes;
+  for (size_t i = from; i < values.size(); ++i) bytes.push_back(static_cast<uint8_t>(Number(values[i], 0xff, "byte")));
+  return bytes;
+}
+
+// The receipt's bytes once it completed; false, with the failure's text in
+// `failure`, when it failed (a NACK, say).
+bool Finish(IInternalService_OperationReceipt& receipts, uint64_t token, std::vector<uint8_t>& bytes,
+            std::string& failure) {
+  OperationStatus status = VXT_OperationStatus_Pending;
+  Check(receipts.Flush(token), "Flush");
+  Check(receipts.GetOperationStatus(token, &status), "GetOperationStatus");
+  if (status == VXT_OperationStatus_Completed) {
+    uint32_t count = 0;
+    Check(receipts.GetValueAsRawBytes(token, nullptr, 0, &count), "GetValueAsRawBytes");
+    bytes.resize(count);
+    Check(receipts.GetValueAsRawBytes(token, bytes.data(), count, &count), "GetValueAsRawBytes");
+  } else {
+    char message[512] = "";
+    Check(receipts.GetOperationErrorMessage(token, message, sizeof message, nullptr), "GetOperationErrorMessage");
+    failure = message;
+  }
+  Check(receipts.Destroy(token), "Destroy");
+  return status == VXT_OperationStatus_Completed;
+}
+
+void Scan(IInternalService_I2cAccess& i2c, IInternalService_OperationReceipt& receipts, uint32_t bus,
+          std::ostream& out) {
+  out << "     0  1  2  3  4  5  6  7  8  9  a  b  c  d  e  f\n";
+  for (unsigned row = 0; row < 0x80; row += 16) {
+    char label[8];
+    std::snprintf(label, sizeof label, "%02x:", row);
+    out << label;
+    for (unsigned address = row; address < row + 16; ++address) {
+      // The reserved addresses are not probed, as i2cdetect leaves them.
+      if (address < 0x03 || address > 0x77) {
+        out << "   ";
+        continue;
+      }
+      uint64_t token = 0;
+      Check(i2c.I2cRawWrite(bus, static_cast<uint8_t>(address), nullptr, 0, 0, &token), "I2cRawWrite");
+      std::vector<uint8_t> bytes;
+      std::string failure;
+      std::snprintf(label, sizeof label, " %02x", address);
+      out << (Finish(receipts, token, bytes, failure) ? label : " --");
+    }
+    out << '\n';
+  }
+}
+
+int I2c(const CommandArguments& arguments, const SessionOptions& options, std::ostream& out) {
+  const std::string& action = arguments.text.at("action");
+  const std::vector<std::string>& values = arguments.lists.at("values");
+  const size_t needed = action == "scan" ? 1 : action == "read" ? 3 : action == "write" ? 2 : 0;
+  if (needed == 0) throw std::runtime_error("unknown i2c action '" + action + "' (scan, read or write)");
+  if (values.size() < needed) throw std::runtime_error("i2c " + action + " needs more arguments; see --help");
+  Session session(options);
+  auto& devices = session.Get<IInternalService_Device>(VXT_Service_Device);
+  auto& i2c = session.Get<IInternalService_I2cAccess>(VXT_Service_I2cAccess);
+  auto& receipts = session.Get<IInternalService_OperationReceipt>(VXT_Service_OperationReceipt);
+  const uint32_t bus = ResolveDevice(devices, values[0]);
+  if (action == "scan") {
+    Scan(i2c, receipts, bus, out);
+    return 0;
+  }
+  const auto address = static_cast<uint8_t>(Number(values[1], 0x7f, "7-bit address"));
+  uint64_t token = 0;
+  if (action == "write") {
+    const std::vector<uint8_t> bytes = ByteList(values, 2);
+    Check(i2c.I2cRawWrite(bus, address, bytes.data(), static_cast<uint32_t>(bytes.size()), 0, &token), "I2cRawWrite");
+  } else {
+    // One bundle: the pointer bytes written, then the read.
+    const auto count = static_cast<uint32_t>(Number(values[2], 0xffff, "byte count"));
+    const std::vector<uint8_t> pointer = ByteList(values, 3);
+    std::vector<uint8_t> bundle;
+    if (!pointer.empty()) {
+      bundle = {'W', address, static_cast<uint8_t>(pointer.size()), 0};
+      bundle.insert(bundle.end(), pointer.begin(), pointer.end());
+    }
+    bundle.insert(bundle.end(), {'R', address, static_cast<uint8_t>(count), static_cast<uint8_t>(count >> 8)});
+    Check(i2c.BundleScan(bus, bundle.data(), static_cast<uint32_t>(bundle.size()), &token), "BundleScan");
+  }
+  std::vector<uint8_t> bytes;
+  std::string failure;
+  if (!Finish(receipts, token, bytes, failure)) throw std::runtime_error(failure);
+  if (action == "write") {
+    out << "wrote " << values.size() - 2 << " byte(s)\n";
+    return 0;
+  }
+  for (size_t i = 0; i < bytes.size(); ++i) {
+    char text[4];
+    std::snprintf(text, sizeof text, "%02x", bytes[i]);
+    out << text << ((i % 16 == 15 || i + 1 == bytes.size()) ? "\n" : " ");
+  }
+  return 0;
+}
+
+const bool registered = RegisterCommand(
+    {"i2c", "I2C buses: scan BUS, read BUS ADDRESS COUNT [POINTER BYTES...], write BUS ADDRESS BYTES...",
+     [](CLI::App& command, CommandArguments& arguments) {
+       command.add_option("action", arguments.text["action"], "scan, read or write")->required();
+       command.add_option("values", arguments.lists["values"], "The bus, the 7-bit address, the count and bytes");
+     },
+     [](const CommandArguments& arguments, const SessionOptions& options, std::ostream& out) {
+       try {
+         return I2c(arguments, options, out);
+       } catch (const CallFailed&) {
+         throw;
+       } catch (const std::exception& failure) {
+         std::cerr << "vxt: " << failure.what() << '\n';
+         return 1;
+       }
+     }});
+
+}  // namespace
+}  // namespace vxt::cli
