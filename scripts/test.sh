@@ -15,7 +15,11 @@ cmake --preset release -DVXT_WARNINGS_AS_ERRORS=ON >/dev/null
 cmake --build --preset release -j "$jobs" --target vxt
 for preset in dev asan tsan; do
   echo "=== ${preset}: build"
-  cmake --preset "$preset" -DVXT_WARNINGS_AS_ERRORS=ON >/dev/null
+  # Sanitizer builds keep warnings as warnings: the instrumentation makes the
+  # compiler see uninitialized reads inside the standard library's headers.
+  werror=ON
+  if [[ $preset != dev ]]; then werror=OFF; fi
+  cmake --preset "$preset" -DVXT_WARNINGS_AS_ERRORS=$werror >/dev/null
   if [[ $preset == tsan ]]; then
     # Only the concurrency tests run under ThreadSanitizer.
     cmake --build --preset "$preset" -j "$jobs" --target concurrency_tests
