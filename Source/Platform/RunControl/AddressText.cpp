@@ -47,9 +47,11 @@ std::optional<uint64_t> Number(std::string_view text, uint64_t max) {
 }
 
 target::Failure Unreadable(std::string_view text) {
-  return {kInvalidAddress, "'" + std::string(text) +
-                               "' is no address; write phys:0x1000, lin:0x1000, gphys:0x1000, cs:0x1000, ds:0x1000, "
-                               "ss:0x1000, segsel:offset or ldtsel:segsel:offset"};
+  std::string what = "'";
+  what += text;
+  what += "' is no address; write phys:0x1000, lin:0x1000, gphys:0x1000, cs:0x1000, ds:0x1000, "
+          "ss:0x1000, segsel:offset or ldtsel:segsel:offset";
+  return {kInvalidAddress, std::move(what)};
 }
 
 }  // namespace
