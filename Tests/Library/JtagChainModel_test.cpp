@@ -32,9 +32,9 @@ class ChainModel {
  public:
   ChainModel() {
     // From the TDO end: ChipsetTap, UncoreTap, CpuTap.
-    taps_ = {{4, kChipsetIdcode, 0x1, {{0x6, 16}}},
-             {6, kUncoreIdcode, 0x01, {{0x14, 48}}},
-             {8, kCpuIdcode, 0x02, {{0x00, 64}, {0x28, 72}}}};
+    taps_ = {{4, kChipsetIdcode, 0x1, {{0x6, 16}}, 0, {}, {}},
+             {6, kUncoreIdcode, 0x01, {{0x14, 48}}, 0, {}, {}},
+             {8, kCpuIdcode, 0x02, {{0x00, 64}, {0x28, 72}}, 0, {}, {}}};
     for (ModelTap& tap : taps_) tap.values.resize(tap.registers.size());
     Reset();
   }

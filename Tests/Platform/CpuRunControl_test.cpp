@@ -30,7 +30,9 @@ void RunOnThreadZero(const CpuTarget& target, const std::vector<uint8_t>& progra
   target.Write(kCode, program);
   target.SetRegister(0, "rip", kCode);
   target.SetRegister(0, "rcx", 0);
-  if (go) ASSERT_EQ(target.Cpus().Go(0), CpuResult::Ok);
+  if (go) {
+    ASSERT_EQ(target.Cpus().Go(0), CpuResult::Ok);
+  }
 }
 
 TEST(CpuRunControlTest, CodeWrittenFromOutsideIsWhatTheCpuExecutes) {
