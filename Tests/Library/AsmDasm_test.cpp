@@ -1,5 +1,6 @@
 // The AsmDasm service: its trace forms, its checks, and instructions
 // assembled and disassembled for the target's threads.
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -63,8 +64,13 @@ TEST_F(AsmDasmTest, TheThreadsOwnModeAssemblesWhatItDisassembles) {
   uint32_t size = 0;
   char text[VXT_DISASSEMBLY_TEXT_SIZE] = {};
   const uint8_t code[] = {0x0F, 0x01, 0x10};  // lgdt: its operand's size depends on the mode
-  ASSERT_EQ(asmDasm->Disassemble(kFirstThread, VXT_InstructionType_XBit, 3, code, 0, text, &size), 0)
-      << GetLastErrorMessage();
+  // The firmware starts in real mode; wait until it runs 64-bit code, where
+  // the operand is [rax].
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  do {
+    ASSERT_EQ(asmDasm->Disassemble(kFirstThread, VXT_InstructionType_XBit, 3, code, 0, text, &size), 0)
+        << GetLastErrorMessage();
+  } while (std::string(text).find("rax") == std::string::npos && std::chrono::steady_clock::now() < deadline);
   ASSERT_EQ(asmDasm->Assemble(kFirstThread, VXT_InstructionType_XBit, text, 0, 16, bytes, &size), 0)
       << GetLastErrorMessage();
   EXPECT_EQ(std::vector<uint8_t>(bytes, bytes + size), std::vector<uint8_t>(code, code + 3)) << text;
