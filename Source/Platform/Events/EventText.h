@@ -13,7 +13,8 @@ namespace voxtrel::platform::events {
 template <size_t Size>
 void CopyEventText(char (&field)[Size], std::string_view text) {
   const size_t length = std::min(text.size(), Size - 1);
-  std::memcpy(field, text.data(), length);
+  // An empty view may hold no pointer at all, which memcpy must not be given.
+  if (length != 0) std::memcpy(field, text.data(), length);
   std::memset(field + length, 0, Size - length);
 }
 
