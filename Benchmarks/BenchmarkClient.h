@@ -16,7 +16,14 @@ class BenchmarkClient {
     client_.clientId = clientId;
     std::snprintf(client_.identifier, sizeof client_.identifier, "%s", identifier);
     StartNewInstance(&client_, 1, VXT_ServerHostingType_In_Process, nullptr);
-    if (target == Target::kBuilt) FinishInitialization();
+    if (target == Target::kBuilt) {
+      FinishInitialization();
+      // The target's emulated CPUs would run their firmware on a core of
+      // their own beside the benchmark: halt them, so that only what is
+      // measured runs.
+      uint64_t token = 0;
+      Get<IInternalService_RunControl>(VXT_Service_RunControl)->HaltAll(&token);
+    }
   }
   ~BenchmarkClient() { Disconnect(client_.clientId); }
   BenchmarkClient(const BenchmarkClient&) = delete;
