@@ -1,6 +1,7 @@
 // Two threads halt, resume and set and remove breakpoints at once while a
 // subscriber, called on the CPUs' own thread, removes every breakpoint that
 // hits and lets the thread go on: nothing deadlocks, and nothing is left.
+#include <chrono>
 #include <atomic>
 #include <thread>
 #include <vector>
@@ -48,15 +49,19 @@ TEST_F(RunControlConcurrencyTest, SubscribersRemoveBreakpointsWhileClientsHaltAn
   const uint64_t loop = Rip(kFirstThread);
   Done(runControl->Go(kFirstThread, &token), token);
   ASSERT_EQ(events->SubscribeRunControlEvents(&RemoveAndGo, nullptr), 0);
+  const auto AtLoop = [&] {
+    VXT_Breakpoint record{};
+    record.structureSize = VXT_BREAKPOINT_SIZE;
+    record.threadDeviceId = kFirstThread;
+    record.breakpointType = VXT_BreakpointType_HW_Exec;
+    record.breakpointAddress = loop;
+    record.enabled = 1;
+    return record;
+  };
 
   const auto work = [&](uint32_t haltedThread) {
     for (int round = 0; round < kRounds; ++round) {
-      VXT_Breakpoint record{};
-      record.structureSize = VXT_BREAKPOINT_SIZE;
-      record.threadDeviceId = kFirstThread;
-      record.breakpointType = VXT_BreakpointType_HW_Exec;
-      record.breakpointAddress = loop;
-      record.enabled = 1;
+      VXT_Breakpoint record = AtLoop();
       EXPECT_EQ(breakpoints->CreateBreakpoint(&record), 0) << GetLastErrorMessage();
       uint64_t own = 0;
       if (runControl->Halt(haltedThread, &own) == VXT_SUCCESS) receipts->Destroy(own);
@@ -68,6 +73,13 @@ TEST_F(RunControlConcurrencyTest, SubscribersRemoveBreakpointsWhileClientsHaltAn
   clients.emplace_back(work, kFirstThread);
   clients.emplace_back(work, kSecondThread);
   for (auto& client : clients) client.join();
+  // A slow run may remove every round's breakpoint before the thread reaches
+  // it; one left in place is reached, and the subscriber removes it.
+  VXT_Breakpoint last = AtLoop();
+  ASSERT_EQ(breakpoints->CreateBreakpoint(&last), 0) << GetLastErrorMessage();
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  while (hits.load() == 0 && std::chrono::steady_clock::now() < deadline)
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
   events->UnsubscribeRunControlEvents(&RemoveAndGo);
 
   uint32_t left = 1;
