@@ -11,6 +11,7 @@
 #pragma once
 
 #include <functional>
+#include <iostream>
 #include <map>
 #include <memory>
 #include <ostream>
@@ -52,5 +53,19 @@ bool RegisterCommand(Command command);
 
 // In the order of their names.
 const std::vector<Command>& RegisteredCommands();
+
+// A command's run whose mistakes of the user (a name, a number, a port) are
+// reported on stderr with status 1; a refused library call goes on up.
+template <int (*Run)(const CommandArguments&, const SessionOptions&, std::ostream&)>
+int ReportingUserErrors(const CommandArguments& arguments, const SessionOptions& options, std::ostream& out) {
+  try {
+    return Run(arguments, options, out);
+  } catch (const CallFailed&) {
+    throw;
+  } catch (const std::exception& failure) {
+    std::cerr << "vxt: " << failure.what() << '\n';
+    return 1;
+  }
+}
 
 }  // namespace vxt::cli

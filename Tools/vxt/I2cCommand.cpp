@@ -129,16 +129,7 @@ const bool registered = RegisterCommand(
        command.add_option("action", arguments.text["action"], "scan, read or write")->required();
        command.add_option("values", arguments.lists["values"], "The bus, the 7-bit address, the count and bytes");
      },
-     [](const CommandArguments& arguments, const SessionOptions& options, std::ostream& out) {
-       try {
-         return I2c(arguments, options, out);
-       } catch (const CallFailed&) {
-         throw;
-       } catch (const std::exception& failure) {
-         std::cerr << "vxt: " << failure.what() << '\n';
-         return 1;
-       }
-     }});
+     &ReportingUserErrors<&I2c>});
 
 }  // namespace
 }  // namespace vxt::cli

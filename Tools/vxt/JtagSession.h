@@ -22,20 +22,6 @@ std::vector<uint32_t> JtagChains(IInternalService_Device& devices);
 // The chain a user names, or the target's first when `name` is empty.
 uint32_t ResolveChain(IInternalService_Device& devices, const std::string& name);
 
-// A command whose mistakes of the user (a name, a number, a port) are
-// reported on stderr with status 1; a refused library call goes on up.
-template <int (*Run)(const CommandArguments&, const SessionOptions&, std::ostream&)>
-int ReportingUserErrors(const CommandArguments& arguments, const SessionOptions& options, std::ostream& out) {
-  try {
-    return Run(arguments, options, out);
-  } catch (const CallFailed&) {
-    throw;
-  } catch (const std::exception& failure) {
-    std::cerr << "vxt: " << failure.what() << '\n';
-    return 1;
-  }
-}
-
 class JtagPort {
  public:
   explicit JtagPort(Session& session);

@@ -74,19 +74,6 @@ int Unlock(const CommandArguments& arguments, const SessionOptions& options, std
   return 0;
 }
 
-// Names that name no device are the user's mistake, not the library's.
-template <int (*Run)(const CommandArguments&, const SessionOptions&, std::ostream&)>
-int ReportingNameErrors(const CommandArguments& arguments, const SessionOptions& options, std::ostream& out) {
-  try {
-    return Run(arguments, options, out);
-  } catch (const CallFailed&) {
-    throw;
-  } catch (const std::exception& failure) {
-    std::cerr << "vxt: " << failure.what() << '\n';
-    return 1;
-  }
-}
-
 const bool lockRegistered = RegisterCommand(
     {"lock", "Lock devices, named by id (0x04000000) or identifier (Core0, Domain/Core0), all at once or none",
      [](CLI::App& command, CommandArguments& arguments) {
@@ -95,14 +82,14 @@ const bool lockRegistered = RegisterCommand(
        command.add_option("-w,--wait", arguments.numbers["timeout"],
                           "Milliseconds to wait for devices another client holds (4294967295: for ever)");
      },
-     &ReportingNameErrors<&Lock>});
+     &ReportingUserErrors<&Lock>});
 
 const bool unlockRegistered = RegisterCommand(
     {"unlock", "Release this client's locks, and break the locks of the devices named, whoever holds them",
      [](CLI::App& command, CommandArguments& arguments) {
        command.add_option("devices", arguments.lists["devices"], "Devices whose locks to break");
      },
-     &ReportingNameErrors<&Unlock>});
+     &ReportingUserErrors<&Unlock>});
 
 }  // namespace
 }  // namespace vxt::cli

@@ -70,16 +70,7 @@ const bool registered = RegisterCommand(
        command.add_option("action", arguments.text["action"], "show, set or pulse")->required();
        command.add_option("values", arguments.lists["values"], "The pins interface, the signal and the state or width");
      },
-     [](const CommandArguments& arguments, const SessionOptions& options, std::ostream& out) {
-       try {
-         return Pins(arguments, options, out);
-       } catch (const CallFailed&) {
-         throw;
-       } catch (const std::exception& failure) {
-         std::cerr << "vxt: " << failure.what() << '\n';
-         return 1;
-       }
-     }});
+     &ReportingUserErrors<&Pins>});
 
 }  // namespace
 }  // namespace vxt::cli
