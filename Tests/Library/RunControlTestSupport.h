@@ -2,10 +2,12 @@
 // services, and a subscriber that writes down every "RunControl" event.
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "CpuServiceTestSupport.h"
@@ -42,6 +44,25 @@ class RunControlTest : public CpuServiceTest {
     events = Service<IInternalService_Event>(VXT_Service_Event);
     breakpoints = Service<IInternalService_Breakpoint>(VXT_Service_Breakpoint);
     management = Service<IInternalService_BreakpointManagement>(VXT_Service_BreakpointManagement);
+    WaitUntilLooping(0);
+    WaitUntilLooping(1);
+    ClearTrace();
+  }
+
+  // The firmware boots for a while before its loop; a test that halts a
+  // thread to find the loop waits until that thread has counted an
+  // iteration of it (its count is at 0x1100 + 8 * APIC id).
+  void WaitUntilLooping(uint32_t apicId) {
+    const VXT_Address count = Physical(0x1100 + 8 * apicId);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    for (;;) {
+      uint64_t token = 0;
+      ASSERT_EQ(memory->ReadMemory(kFirstThread, &count, 8, &token), 0) << GetLastErrorMessage();
+      const std::vector<uint8_t> bytes = Bytes(token);
+      if (std::any_of(bytes.begin(), bytes.end(), [](uint8_t byte) { return byte != 0; })) return;
+      ASSERT_LT(std::chrono::steady_clock::now(), deadline) << "thread " << apicId << " never reached its loop";
+      std::this_thread::yield();
+    }
   }
 
   uint64_t Rip(uint32_t thread) {

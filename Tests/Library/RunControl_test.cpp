@@ -28,34 +28,35 @@ using vxt::test::Stops;
 
 TEST_F(RunControlTest, HaltStepAndGoMoveTheThread) {
   uint64_t token = 0;
-  EXPECT_EQ(Status(kFirstThread), VXT_RunStatus_Running);
-  Done(runControl->Halt(kFirstThread, &token), token);
-  EXPECT_EQ(Status(kFirstThread), VXT_RunStatus_Halted);
+  EXPECT_EQ(Status(kSecondThread), VXT_RunStatus_Running);
+  Done(runControl->Halt(kSecondThread, &token), token);
+  EXPECT_EQ(Status(kSecondThread), VXT_RunStatus_Halted);
   EXPECT_EQ(Status(kTargetDomain), VXT_RunStatus_SomeRunning);
-  EXPECT_EQ(BreakType(kFirstThread), "Halt");
+  EXPECT_EQ(BreakType(kSecondThread), "Halt");
 
-  const uint64_t halted = Rip(kFirstThread);
-  EXPECT_EQ(Rip(kFirstThread), halted) << "a halted thread does not move";
+  const uint64_t halted = Rip(kSecondThread);
+  EXPECT_EQ(Rip(kSecondThread), halted) << "a halted thread does not move";
   VXT_Address address{};
-  ASSERT_EQ(runControl->GetBreakAddress(kFirstThread, &address), 0);
+  ASSERT_EQ(runControl->GetBreakAddress(kSecondThread, &address), 0);
   EXPECT_EQ(address.offset, halted);
   EXPECT_EQ(address.addressType, VXT_AddressType_Linear);
 
-  // The loop is 5 instructions: five steps come back to the same place,
+  // The second thread never leaves its loop of 5 instructions (the first
+  // prints now and then): five steps come back to the same place,
   // every one in between is elsewhere.
   std::vector<uint64_t> visited{halted};
   for (int i = 0; i < 5; ++i) {
-    Done(runControl->Step(kFirstThread, VXT_StepType_Into, 1, &token), token);
-    visited.push_back(Rip(kFirstThread));
+    Done(runControl->Step(kSecondThread, VXT_StepType_Into, 1, &token), token);
+    visited.push_back(Rip(kSecondThread));
   }
   EXPECT_EQ(visited.back(), halted);
   for (size_t i = 1; i + 1 < visited.size(); ++i) EXPECT_NE(visited[i], halted) << i;
-  EXPECT_EQ(BreakType(kFirstThread), "Step");
-  Done(runControl->Step(kFirstThread, VXT_StepType_Into, 5, &token), token);
-  EXPECT_EQ(Rip(kFirstThread), halted);
+  EXPECT_EQ(BreakType(kSecondThread), "Step");
+  Done(runControl->Step(kSecondThread, VXT_StepType_Into, 5, &token), token);
+  EXPECT_EQ(Rip(kSecondThread), halted);
 
-  Done(runControl->Go(kFirstThread, &token), token);
-  EXPECT_EQ(Status(kFirstThread), VXT_RunStatus_Running);
+  Done(runControl->Go(kSecondThread, &token), token);
+  EXPECT_EQ(Status(kSecondThread), VXT_RunStatus_Running);
 }
 
 TEST_F(RunControlTest, DomainFormsActOnEveryThread) {
