@@ -14,42 +14,15 @@
 
 #include "CommandRegistry.h"
 #include "DeviceNames.h"
+#include "TargetAccess.h"
 
 namespace vxt::cli {
 namespace {
 
-uint64_t Number(const std::string& text, uint64_t max, const char* what) {
-  size_t used = 0;
-  const uint64_t value = std::stoull(text, &used, 0);
-  if (used != text.size() || value > max) throw std::runtime_error("'" + text + "' is no " + what);
-  return value;
-}
-
 std::vector<uint8_t> ByteList(const std::vector<std::string>& values, size_t from) {
   std::vector<uint8_t> bytes;
-  for (size_t i = from; i < values.size(); ++i) bytes.push_back(static_cast<uint8_t>(Number(values[i], 0xff, "byte")));
+  for (size_t i = from; i < values.size(); ++i) bytes.push_back(static_cast<uint8_t>(ParseNumber(values[i], 0xff, "byte")));
   return bytes;
-}
-
-// The receipt's bytes once it completed; false, with the failure's text in
-// `failure`, when it failed (a NACK, say).
-bool Finish(IInternalService_OperationReceipt& receipts, uint64_t token, std::vector<uint8_t>& bytes,
-            std::string& failure) {
-  OperationStatus status = VXT_OperationStatus_Pending;
-  Check(receipts.Flush(token), "Flush");
-  Check(receipts.GetOperationStatus(token, &status), "GetOperationStatus");
-  if (status == VXT_OperationStatus_Completed) {
-    uint32_t count = 0;
-    Check(receipts.GetValueAsRawBytes(token, nullptr, 0, &count), "GetValueAsRawBytes");
-    bytes.resize(count);
-    Check(receipts.GetValueAsRawBytes(token, bytes.data(), count, &count), "GetValueAsRawBytes");
-  } else {
-    char message[512] = "";
-    Check(receipts.GetOperationErrorMessage(token, message, sizeof message, nullptr), "GetOperationErrorMessage");
-    failure = message;
-  }
-  Check(receipts.Destroy(token), "Destroy");
-  return status == VXT_OperationStatus_Completed;
 }
 
 void Scan(IInternalService_I2cAccess& i2c, IInternalService_OperationReceipt& receipts, uint32_t bus,
@@ -70,7 +43,7 @@ void Scan(IInternalService_I2cAccess& i2c, IInternalService_OperationReceipt& re
       std::vector<uint8_t> bytes;
       std::string failure;
       std::snprintf(label, sizeof label, " %02x", address);
-      out << (Finish(receipts, token, bytes, failure) ? label : " --");
+      out << (TryOutcome(receipts, token, bytes, failure) ? label : " --");
     }
     out << '\n';
   }
@@ -91,14 +64,14 @@ int I2c(const CommandArguments& arguments, const SessionOptions& options, std::o
     Scan(i2c, receipts, bus, out);
     return 0;
   }
-  const auto address = static_cast<uint8_t>(Number(values[1], 0x7f, "7-bit address"));
+  const auto address = static_cast<uint8_t>(ParseNumber(values[1], 0x7f, "7-bit address"));
   uint64_t token = 0;
   if (action == "write") {
     const std::vector<uint8_t> bytes = ByteList(values, 2);
     Check(i2c.I2cRawWrite(bus, address, bytes.data(), static_cast<uint32_t>(bytes.size()), 0, &token), "I2cRawWrite");
   } else {
     // One bundle: the pointer bytes written, then the read.
-    const auto count = static_cast<uint32_t>(Number(values[2], 0xffff, "byte count"));
+    const auto count = static_cast<uint32_t>(ParseNumber(values[2], 0xffff, "byte count"));
     const std::vector<uint8_t> pointer = ByteList(values, 3);
     std::vector<uint8_t> bundle;
     if (!pointer.empty()) {
@@ -108,9 +81,7 @@ int I2c(const CommandArguments& arguments, const SessionOptions& options, std::o
     bundle.insert(bundle.end(), {'R', address, static_cast<uint8_t>(count), static_cast<uint8_t>(count >> 8)});
     Check(i2c.BundleScan(bus, bundle.data(), static_cast<uint32_t>(bundle.size()), &token), "BundleScan");
   }
-  std::vector<uint8_t> bytes;
-  std::string failure;
-  if (!Finish(receipts, token, bytes, failure)) throw std::runtime_error(failure);
+  const std::vector<uint8_t> bytes = Outcome(receipts, token);
   if (action == "write") {
     out << "wrote " << values.size() - 2 << " byte(s)\n";
     return 0;

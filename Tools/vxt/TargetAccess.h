@@ -1,0 +1,58 @@
+// What the commands that reach the target share: numbers as a user writes
+// them, the thread a command acts on, operations followed to their end, and
+// the library's bit vectors made from bytes.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "InProc_Vxt.h"
+
+namespace vxt::cli {
+
+// "0x1f", "31" or "037" up to `max`; throws std::runtime_error saying the
+// text is no `what`.
+uint64_t ParseNumber(const std::string& text, uint64_t max, const char* what);
+
+// The thread a user names ("Thread0", "0x03000000"); with no name, the first
+// LogicalThread of the first target domain that has threads. Throws when the
+// name is no thread.
+uint32_t ThreadNamed(IInternalService_Device& devices, const std::string& name);
+
+// Waits for the operation and destroys its token. Its value's bytes, if it
+// has a value; throws std::runtime_error with the operation's own message
+// when it failed.
+std::vector<uint8_t> Outcome(IInternalService_OperationReceipt& receipts, uint64_t token);
+
+// The same, but a failure is no exception: false, with its message.
+bool TryOutcome(IInternalService_OperationReceipt& receipts, uint64_t token, std::vector<uint8_t>& bytes,
+                std::string& failure);
+
+// An address as the library writes it ("phys:0x1000", "cs:0x10", ...), or
+// a bare number, taken as a linear address.
+VXT_Address ParseAddress(IInternalService_Memory& memory, const std::string& text);
+
+// A bit vector of the library holding `bytes` (8 bits each, first byte
+// lowest), destroyed with this object.
+class OwnedBits {
+ public:
+  OwnedBits(IInternalService_BitData& bits, const std::vector<uint8_t>& bytes, uint32_t bitSize = 0);
+  ~OwnedBits();
+  OwnedBits(const OwnedBits&) = delete;
+  OwnedBits& operator=(const OwnedBits&) = delete;
+  const VXT_BitData* get() const { return &record_; }
+
+ private:
+  IInternalService_BitData& bits_;
+  VXT_BitData record_{VXT_BITDATA_SIZE, 0, 0};
+};
+
+// Little-endian bytes as one number: "0x" and the digits, most significant
+// first, every byte shown.
+std::string HexValue(const std::vector<uint8_t>& bytes);
+
+// A number as little-endian bytes, `size` of them.
+std::vector<uint8_t> LittleEndian(uint64_t value, size_t size);
+
+}  // namespace vxt::cli
