@@ -9,4 +9,8 @@ namespace voxtrel::bitdata {
 // Throws std::bad_alloc when the storage cannot be had.
 BitData* NewObject(uint64_t bitSize);
 
+// The same with storage left unwritten, for a creator that writes every word
+// itself: a large vector's pages are then touched once, not twice.
+BitData* NewUnfilledObject(uint64_t bitSize);
+
 }  // namespace voxtrel::bitdata

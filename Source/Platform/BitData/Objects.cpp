@@ -7,9 +7,15 @@
 namespace voxtrel::bitdata {
 
 BitData* NewObject(uint64_t bitSize) {
+  BitData* object = NewUnfilledObject(bitSize);
+  std::memset(object->words, 0, object->wordCapacity * sizeof(uint64_t));
+  return object;
+}
+
+BitData* NewUnfilledObject(uint64_t bitSize) {
   const uint64_t capacity = WordsFor(bitSize) + 1;
   auto object = std::make_unique<BitData>();
-  object->words = new uint64_t[capacity]();
+  object->words = new uint64_t[capacity];
   object->wordCapacity = capacity;
   object->bitSize = bitSize;
   return object.release();
@@ -29,9 +35,14 @@ BitData* BitData_CreateManagedFromUInt64(uint64_t bitSize, uint64_t value) {
 
 BitData* BitData_CreateManagedFromBuffer(uint64_t bitSize, const uint8_t* buffer) {
   if (buffer == nullptr && bitSize != 0) return nullptr;
-  BitData* object = NewObject(bitSize);
+  BitData* object = NewUnfilledObject(bitSize);
+  // The words the bytes do not fill whole are zeroed first, so that every
+  // bit past the end reads zero.
+  const uint64_t bytes = bitSize / 8 + (bitSize % 8 != 0);
+  const uint64_t filledWords = bytes / sizeof(uint64_t);
+  std::memset(object->words + filledWords, 0, (object->wordCapacity - filledWords) * sizeof(uint64_t));
   if (bitSize != 0) {
-    std::memcpy(object->words, buffer, bitSize / 8 + (bitSize % 8 != 0));
+    std::memcpy(object->words, buffer, bytes);
     object->words[(bitSize - 1) / kWordBits] &= LowMask((bitSize - 1) % kWordBits + 1);
   }
   return object;
@@ -39,8 +50,10 @@ BitData* BitData_CreateManagedFromBuffer(uint64_t bitSize, const uint8_t* buffer
 
 BitData* BitData_CreateManagedFromBitData(const BitData* source) {
   if (source == nullptr) return nullptr;
-  BitData* object = NewObject(source->bitSize);
-  std::memcpy(object->words, source->words, WordsFor(source->bitSize) * sizeof(uint64_t));
+  BitData* object = NewUnfilledObject(source->bitSize);
+  const uint64_t words = WordsFor(source->bitSize);
+  std::memcpy(object->words, source->words, words * sizeof(uint64_t));
+  std::memset(object->words + words, 0, (object->wordCapacity - words) * sizeof(uint64_t));
   return object;
 }
 

@@ -26,6 +26,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <stop_token>
 #include <string>
 
@@ -53,6 +54,13 @@ class VOXTREL_PLATFORM_API ReceiptValue {
   static ReceiptValue Bytes(const uint8_t* bytes, uint64_t bitSize);
   // A copy of a whole vector, such as a client's.
   static ReceiptValue Copy(const BitData& bits);
+  // `byteCount` bytes that the caller fills in place through
+  // WritableBytes() before the value is given: a large value (memory read in
+  // bulk) is then made with no copy.
+  static ReceiptValue ByteBuffer(uint64_t byteCount);
+
+  // The value's own bytes, valid until the value is moved or destroyed.
+  std::span<uint8_t> WritableBytes();
 
   // A value that has been moved from reads as a vector of 0 bits.
   const BitData& bits() const;

@@ -2,6 +2,7 @@
 // AddressToString, AddressFromString and InvalidateCache.
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "AddressText.h"
@@ -41,9 +42,9 @@ Outcome ReadMemoryWork(uint32_t deviceId, const VXT_Address* address, int32_t co
   if (auto refused = TransferSize(count, accessWidth, size)) return refused;
   if (auto refused = CheckTransferSize(size)) return refused;
   if (auto refused = FindCpu(deviceId, cpu)) return refused;
-  std::vector<uint8_t> bytes(size);
-  if (auto refused = ReadMemoryAt(cpu.backend(), cpu.thread, *address, bytes)) return refused;
-  GiveCompleted(operationToken, ReceiptValue::Bytes(bytes.data(), size * 8));
+  ReceiptValue value = ReceiptValue::ByteBuffer(size);
+  if (auto refused = ReadMemoryAt(cpu.backend(), cpu.thread, *address, value.WritableBytes())) return refused;
+  GiveCompleted(operationToken, std::move(value));
   return std::nullopt;
 }
 
