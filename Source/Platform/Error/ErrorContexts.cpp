@@ -30,7 +30,13 @@ struct ThreadContexts {
   uint64_t nextId = 0;
   uint64_t blockEnd = 0;
 };
-thread_local ThreadContexts self;
+//
+// Every call of the library reaches it twice, so its address is fixed when
+// the library is loaded (initial-exec) instead of being looked up through
+// the dynamic loader on each access. That takes a few bytes of the static
+// thread-local space that the C library keeps for modules loaded later,
+// which a client's dlopen() also works with.
+[[gnu::tls_model("initial-exec")]] thread_local ThreadContexts self;
 
 struct StackOwner {
   ~StackOwner() {
