@@ -144,6 +144,7 @@ TEST_P(SweepService, EveryOperationWithEveryHostileArgument) {
     }
   }
   EXPECT_GT(calls, 0u);
+  RecordProperty("calls", static_cast<int>(calls));
   EXPECT_EQ(problems, std::vector<std::string>{});
   if (IsConnected() != 0) Disconnect(client.clientId);
 }
