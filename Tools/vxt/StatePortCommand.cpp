@@ -24,6 +24,12 @@ std::vector<uint64_t> AddressFields(const std::vector<std::string>& values, size
   return fields;
 }
 
+// The service wants an array even for a port without address fields.
+const uint64_t* ArrayOf(const std::vector<uint64_t>& fields) {
+  static const uint64_t none = 0;
+  return fields.empty() ? &none : fields.data();
+}
+
 void List(IInternalService_StatePort& ports, uint32_t device, std::ostream& out) {
   uint32_t count = 0;
   Check(ports.GetNumStatePorts(device, &count), "GetNumStatePorts");
@@ -60,7 +66,7 @@ int StatePort(const CommandArguments& arguments, const SessionOptions& options, 
   uint64_t token = 0;
   if (action == "write") {
     const std::vector<uint64_t> fields = AddressFields(values, 3);
-    Check(ports.Write(device, port, static_cast<uint32_t>(fields.size()), fields.data(),
+    Check(ports.Write(device, port, static_cast<uint32_t>(fields.size()), ArrayOf(fields),
                       ParseNumber(values[2], UINT64_MAX, "value"), &token),
           "Write");
     Check(receipts.Destroy(token), "Destroy");
@@ -68,7 +74,7 @@ int StatePort(const CommandArguments& arguments, const SessionOptions& options, 
     return 0;
   }
   const std::vector<uint64_t> fields = AddressFields(values, 2);
-  Check(ports.Read(device, port, static_cast<uint32_t>(fields.size()), fields.data(), &token), "Read");
+  Check(ports.Read(device, port, static_cast<uint32_t>(fields.size()), ArrayOf(fields), &token), "Read");
   uint64_t value = 0;
   Check(receipts.GetValueAsUInt64(token, &value), "GetValueAsUInt64");
   Check(receipts.Destroy(token), "Destroy");
