@@ -3,13 +3,6 @@
 // addresses (those of Intel HEX records) count from there, and toAddress,
 // the last byte, bounds it. A load that cannot place every byte places
 // none; a save replaces an existing file only when asked to.
-#include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <sstream>
 #include <string>
 #include <vector>
 
