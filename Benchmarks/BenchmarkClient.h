@@ -11,11 +11,14 @@ class BenchmarkClient {
  public:
   enum class Target { kNotBuilt, kBuilt };
 
-  BenchmarkClient(uint32_t clientId, const char* identifier, Target target = Target::kNotBuilt) {
+  // `configurationFile`: a target description to build instead of the default.
+  BenchmarkClient(uint32_t clientId, const char* identifier, Target target = Target::kNotBuilt,
+                  const char* configurationFile = nullptr) {
     client_.structureSize = VXT_CLIENT_SIZE;
     client_.clientId = clientId;
     std::snprintf(client_.identifier, sizeof client_.identifier, "%s", identifier);
     StartNewInstance(&client_, 1, VXT_ServerHostingType_In_Process, nullptr);
+    if (configurationFile != nullptr) SelectConfigurationByFileName(configurationFile);
     if (target == Target::kBuilt) {
       FinishInitialization();
       // The target's emulated CPUs would run their firmware on a core of

@@ -14,16 +14,11 @@
 
 #include "CommandRegistry.h"
 #include "DeviceNames.h"
+#include "NumberArguments.h"
 #include "TargetAccess.h"
 
 namespace vxt::cli {
 namespace {
-
-std::vector<uint8_t> ByteList(const std::vector<std::string>& values, size_t from) {
-  std::vector<uint8_t> bytes;
-  for (size_t i = from; i < values.size(); ++i) bytes.push_back(static_cast<uint8_t>(ParseNumber(values[i], 0xff, "byte")));
-  return bytes;
-}
 
 void Scan(IInternalService_I2cAccess& i2c, IInternalService_OperationReceipt& receipts, uint32_t bus,
           std::ostream& out) {
@@ -67,12 +62,12 @@ int I2c(const CommandArguments& arguments, const SessionOptions& options, std::o
   const auto address = static_cast<uint8_t>(ParseNumber(values[1], 0x7f, "7-bit address"));
   uint64_t token = 0;
   if (action == "write") {
-    const std::vector<uint8_t> bytes = ByteList(values, 2);
+    const std::vector<uint8_t> bytes = ParseBytes(values, 2);
     Check(i2c.I2cRawWrite(bus, address, bytes.data(), static_cast<uint32_t>(bytes.size()), 0, &token), "I2cRawWrite");
   } else {
     // One bundle: the pointer bytes written, then the read.
     const auto count = static_cast<uint32_t>(ParseNumber(values[2], 0xffff, "byte count"));
-    const std::vector<uint8_t> pointer = ByteList(values, 3);
+    const std::vector<uint8_t> pointer = ParseBytes(values, 3);
     std::vector<uint8_t> bundle;
     if (!pointer.empty()) {
       bundle = {'W', address, static_cast<uint8_t>(pointer.size()), 0};
@@ -86,11 +81,7 @@ int I2c(const CommandArguments& arguments, const SessionOptions& options, std::o
     out << "wrote " << values.size() - 2 << " byte(s)\n";
     return 0;
   }
-  for (size_t i = 0; i < bytes.size(); ++i) {
-    char text[4];
-    std::snprintf(text, sizeof text, "%02x", bytes[i]);
-    out << text << ((i % 16 == 15 || i + 1 == bytes.size()) ? "\n" : " ");
-  }
+  out << HexBytes(bytes);
   return 0;
 }
 

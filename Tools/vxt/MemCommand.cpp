@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "CommandRegistry.h"
+#include "NumberArguments.h"
 #include "TargetAccess.h"
 
 namespace vxt::cli {
@@ -79,8 +80,7 @@ int Mem(const CommandArguments& arguments, const SessionOptions& options, std::o
     Dump(address.offset, Outcome(access.receipts, token), out);
   } else if (action == "write") {
     const VXT_Address address = access.Address(values[0]);
-    std::vector<uint8_t> bytes;
-    for (size_t i = 1; i < values.size(); ++i) bytes.push_back(static_cast<uint8_t>(ParseNumber(values[i], 0xff, "byte")));
+    const std::vector<uint8_t> bytes = ParseBytes(values, 1);
     const OwnedBits data(Session::Get<IInternalService_BitData>(VXT_Service_BitData), bytes);
     Check(access.memory.WriteMemory(access.threadId, &address, static_cast<int32_t>(bytes.size()), data.get(), &token),
           "WriteMemory");

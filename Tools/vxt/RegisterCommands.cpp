@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "CommandRegistry.h"
+#include "NumberArguments.h"
 #include "TargetAccess.h"
 
 namespace vxt::cli {

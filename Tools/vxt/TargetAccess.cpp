@@ -8,19 +8,6 @@
 
 namespace vxt::cli {
 
-uint64_t ParseNumber(const std::string& text, uint64_t max, const char* what) {
-  size_t used = 0;
-  uint64_t value = 0;
-  try {
-    value = std::stoull(text, &used, 0);
-  } catch (const std::exception&) {
-    used = 0;
-  }
-  if (text.empty() || used != text.size() || text[0] == '-' || value > max)
-    throw std::runtime_error("'" + text + "' is no " + what);
-  return value;
-}
-
 uint32_t ThreadNamed(IInternalService_Device& devices, const std::string& name) {
   if (!name.empty()) {
     const uint32_t id = ResolveDevice(devices, name);

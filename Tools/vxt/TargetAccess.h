@@ -1,6 +1,6 @@
-// What the commands that reach the target share: numbers as a user writes
-// them, the thread a command acts on, operations followed to their end, and
-// the library's bit vectors made from bytes.
+// What the commands that reach the target share: the thread a command acts
+// on, operations followed to their end, and the library's bit vectors made
+// from bytes.
 #pragma once
 
 #include <cstdint>
@@ -10,10 +10,6 @@
 #include "InProc_Vxt.h"
 
 namespace vxt::cli {
-
-// "0x1f", "31" or "037" up to `max`; throws std::runtime_error saying the
-// text is no `what`.
-uint64_t ParseNumber(const std::string& text, uint64_t max, const char* what);
 
 // The thread a user names ("Thread0", "0x03000000"); with no name, the first
 // LogicalThread of the first target domain that has threads. Throws when the

@@ -37,6 +37,11 @@ class InProc_General : public SingletonService<InProc_General>, public IInternal
   static void _ClientCloseCallback(void* userData, const char* eventName, const void* eventData);
   // Frees every client's regions; the last client's departure calls it.
   static void _ClearRegions();
+  // The size in bytes of the calling client's region `handle`, for the
+  // services that move data into it; 0 for a handle the client does not
+  // hold. No frame: the caller has looked the handle up through
+  // GetSharedMemoryAddress already.
+  uint64_t _GetSharedMemorySize(uint64_t handle) const;
 
   // Component tables, bound by FinishInitialization.
   const CommonComponent* common = nullptr;

@@ -134,6 +134,17 @@ VXT_Result InProc_General::FreeSharedMemory(uint64_t handle) {
       });
 }
 
+uint64_t InProc_General::_GetSharedMemorySize(uint64_t handle) const {
+  int32_t clientId = 0;
+  if (common == nullptr || CallingClient(*common, clientId) != 0) return 0;
+  SharedRegions& shared = SharedRegions::Get();
+  std::lock_guard lock(shared.regionsMutex);
+  const auto client = shared.regionsByClient.find(static_cast<uint32_t>(clientId));
+  if (client == shared.regionsByClient.end()) return 0;
+  const auto found = client->second.regions.find(handle);
+  return found == client->second.regions.end() ? 0 : found->second->size();
+}
+
 void InProc_General::_ClientCloseCallback(void*, const char* eventName, const void* eventData) {
   if (eventName == nullptr || eventData == nullptr || std::strcmp(eventName, "Disconnected") != 0) return;
   const auto& client = *static_cast<const VXT_Client*>(eventData);

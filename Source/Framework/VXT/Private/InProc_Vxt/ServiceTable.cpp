@@ -4,6 +4,7 @@
 #include "InProc_BitData.h"
 #include "InProc_BitDataOperations.h"
 #include "InProc_Device.h"
+#include "InProc_Dma.h"
 #include "InProc_Event.h"
 #include "InProc_General.h"
 #include "InProc_I2cAccess.h"
@@ -15,6 +16,7 @@
 #include "InProc_OperationReceipt.h"
 #include "InProc_Register.h"
 #include "InProc_RunControl.h"
+#include "InProc_StatePort.h"
 #include "InProc_Breakpoint.h"
 #include "InProc_BreakpointManagement.h"
 #include "VXT_ServiceIds.h"
@@ -57,6 +59,10 @@ void* FindService(uint32_t serviceId) {
       return static_cast<IInternalService_I2cAccess*>(&InProc_I2cAccess::Instance());
     case VXT_Service_InterfacePins:
       return static_cast<IInternalService_InterfacePins*>(&InProc_InterfacePins::Instance());
+    case VXT_Service_StatePort:
+      return static_cast<IInternalService_StatePort*>(&InProc_StatePort::Instance());
+    case VXT_Service_Dma:
+      return static_cast<IInternalService_Dma*>(&InProc_Dma::Instance());
     default:
       return nullptr;
   }

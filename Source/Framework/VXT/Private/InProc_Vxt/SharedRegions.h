@@ -25,6 +25,7 @@ class SharedRegion {
   SharedRegion& operator=(const SharedRegion&) = delete;
 
   void* address() const { return mapping_.get_address(); }
+  uint64_t size() const { return mapping_.get_size(); }
   const std::string& identifier() const { return identifier_; }
 
  private:

@@ -120,11 +120,24 @@ class Call {
     return code_;
   }
 
+  // Ends the call with a public code another operation's frame has made,
+  // translated, posted and reported already: this frame passes it on as it
+  // is, with no second translation, error line or last error.
+  uint32_t PassPublicCode(int32_t publicCode) {
+    if (!failed()) {
+      passedPublic_ = publicCode;
+      code_ = static_cast<uint32_t>(publicCode);
+    }
+    return code_;
+  }
+  const std::optional<int32_t>& passedPublicCode() const { return passedPublic_; }
+
   // The frame's own steps.
   void Settle(uint32_t result) {
     if (!failed()) code_ = result;
   }
   void Threw() {
+    passedPublic_.reset();
     code_ = code::kException;
     Voxtrel_ErrorPostError(code::kException, "", site_.file, site_.line);
   }
@@ -138,6 +151,7 @@ class Call {
   const OperationSite& site_;
   uint32_t code_ = code::kSuccess;
   std::optional<TextStream> message_;
+  std::optional<int32_t> passedPublic_;
 };
 
 // The argument part of a line with no argument.
@@ -188,7 +202,7 @@ struct OutLine {
     } else {
       out << "(" << line.args << ") ErrorCode = ";
     }
-    return out << Hex8{line.publicCode};
+    return out << Hex8{line.publicCode} << line.site.afterCode;
   }
 };
 
@@ -215,7 +229,9 @@ int32_t RunInContext(const ServiceLogger& logger, const OperationSite& site, Vox
   call.PostMessage();
 
   int32_t publicCode = 0;
-  if (call.failed()) {
+  if (call.passedPublicCode()) {
+    publicCode = *call.passedPublicCode();
+  } else if (call.failed()) {
     publicCode = TranslateErrorCode(call.code());
     const std::string message = MessageForCode(context, call.code());
     if (!message.empty()) TraceLine(logger, 2, "VXT Error = '", message, "'", kTrailer);

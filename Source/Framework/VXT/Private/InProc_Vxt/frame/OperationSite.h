@@ -17,6 +17,7 @@ struct OperationSite {
   bool outTrailer = true;     // Out line ends with the client id
   bool contextFirst = false;  // Error context opened ahead of the In line
   const char* inName = nullptr;  // The In line's name of the operation, when it differs
+  const char* afterCode = "";    // Written on the Out line right behind the code
 
   // The In line names the operation `name`; every other line and message
   // keeps `operation`.
@@ -43,6 +44,13 @@ struct OperationSite {
   constexpr OperationSite UntrailedOut() const {
     OperationSite site = *this;
     site.outTrailer = false;
+    return site;
+  }
+  // The Out line closes one more parenthesis behind the code:
+  // "Out InProc_StatePort::Read(operationToken = ...) ErrorCode = 0x00000000) [ClientID: 1]".
+  constexpr OperationSite ParenthesisAfterCode() const {
+    OperationSite site = *this;
+    site.afterCode = ")";
     return site;
   }
   constexpr OperationSite ContextFirst() const {

@@ -48,15 +48,24 @@ template <class... Values>
 struct ArgList {
   std::tuple<detail::NamedArg<Values>...> args;
 
-  friend std::ostream& operator<<(std::ostream& out, const ArgList& list) {
+  std::ostream& Write(std::ostream& out, const char* between) const {
     std::apply(
-        [&out](const auto&... arg) {
+        [&out, between](const auto&... arg) {
           [[maybe_unused]] const char* separator = "";
-          ((out << separator << arg.name << " = " << arg.value, separator = " "), ...);
+          ((out << separator << arg.name << " = " << arg.value, separator = between), ...);
         },
-        list.args);
+        args);
     return out;
   }
+
+  friend std::ostream& operator<<(std::ostream& out, const ArgList& list) { return list.Write(out, " "); }
+};
+
+// The same arguments separated by ", ", as the lines of a few services are.
+template <class List>
+struct CommaSeparated {
+  List list;
+  friend std::ostream& operator<<(std::ostream& out, const CommaSeparated& args) { return args.list.Write(out, ", "); }
 };
 
 inline ArgList<> TraceArgs() { return {}; }
@@ -72,6 +81,12 @@ auto TraceArgs(const char* name, Value value, Rest... rest) {
             {detail::NamedArg<Shown>{name, detail::ArgValue(std::move(value))}, std::move(later)...}};
       },
       std::move(tail.args));
+}
+
+template <class... Pairs>
+auto CommaArgs(Pairs... pairs) {
+  auto list = TraceArgs(std::move(pairs)...);
+  return CommaSeparated<decltype(list)>{std::move(list)};
 }
 
 }  // namespace vxt::frame
