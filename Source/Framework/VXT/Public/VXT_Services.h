@@ -17,3 +17,7 @@
 #include "IInternalService_Register.h"
 #include "IInternalService_RunControl.h"
 #include "IInternalService_Breakpoint.h"
+#include "IInternalService_PlatformControl.h"
+#include "IInternalService_Authorization.h"
+#include "IInternalService_Precondition.h"
+#include "IInternalService_DeviceControl.h"

@@ -4,6 +4,7 @@
 #include "InProc_BitData.h"
 #include "InProc_BitDataOperations.h"
 #include "InProc_Device.h"
+#include "InProc_DeviceControl.h"
 #include "InProc_Event.h"
 #include "InProc_General.h"
 #include "InProc_I2cAccess.h"
@@ -15,7 +16,10 @@
 #include "InProc_OperationReceipt.h"
 #include "InProc_Register.h"
 #include "InProc_RunControl.h"
+#include "InProc_Authorization.h"
 #include "InProc_Breakpoint.h"
+#include "InProc_PlatformControl.h"
+#include "InProc_Precondition.h"
 #include "InProc_BreakpointManagement.h"
 #include "VXT_ServiceIds.h"
 
@@ -57,6 +61,14 @@ void* FindService(uint32_t serviceId) {
       return static_cast<IInternalService_I2cAccess*>(&InProc_I2cAccess::Instance());
     case VXT_Service_InterfacePins:
       return static_cast<IInternalService_InterfacePins*>(&InProc_InterfacePins::Instance());
+    case VXT_Service_PlatformControl:
+      return static_cast<IInternalService_PlatformControl*>(&InProc_PlatformControl::Instance());
+    case VXT_Service_Authorization:
+      return static_cast<IInternalService_Authorization*>(&InProc_Authorization::Instance());
+    case VXT_Service_Precondition:
+      return static_cast<IInternalService_Precondition*>(&InProc_Precondition::Instance());
+    case VXT_Service_DeviceControl:
+      return static_cast<IInternalService_DeviceControl*>(&InProc_DeviceControl::Instance());
     default:
       return nullptr;
   }

@@ -17,6 +17,7 @@ struct OperationSite {
   bool outTrailer = true;     // Out line ends with the client id
   bool contextFirst = false;  // Error context opened ahead of the In line
   const char* inName = nullptr;  // The In line's name of the operation, when it differs
+  bool catchAll = true;       // Exceptions of the body become 0x20009; else they pass through
 
   // The In line names the operation `name`; every other line and message
   // keeps `operation`.
@@ -43,6 +44,13 @@ struct OperationSite {
   constexpr OperationSite UntrailedOut() const {
     OperationSite site = *this;
     site.outTrailer = false;
+    return site;
+  }
+  // The short frame: the body runs without a catch-all, so whatever it
+  // calls must never throw.
+  constexpr OperationSite Uncaught() const {
+    OperationSite site = *this;
+    site.catchAll = false;
     return site;
   }
   constexpr OperationSite ContextFirst() const {
