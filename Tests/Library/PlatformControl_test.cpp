@@ -151,9 +151,9 @@ TEST_F(PlatformControlTest, StatusThatIsNeitherOnNorOffAndTheDeprecatedStatusFai
   ClearTrace();
   EXPECT_EQ(platform->GetTargetPowerStatus(kDebugPort, &status), static_cast<VXT_Result>(0x80000005));
   const std::string text = "GetTargetPowerStatus() has been deprecated, please use GetDebugPortPowerStatus()";
-  EXPECT_EQ(std::string(GetLastErrorMessage()), text);
   EXPECT_EQ(Trace(), (std::vector<std::string>{"In  InProc ReportErrorMessage(<NULL>'" + text + "')",
                                                "Out InProc ReportErrorMessage()"}));
+  EXPECT_EQ(std::string(GetLastErrorMessage()), text);
   EXPECT_EQ(status, 9u);
 }
 
@@ -178,12 +178,12 @@ TEST_F(PlatformControlTest, PowerCycleAndResetRestartTheFirmwareAndAreAnnounced)
     bool ramKept;
     std::vector<std::string> events;
   };
-  const std::string tail = " device=201326592 feature=/0 domain=";
+  const std::string tail = " device=201326592 feature=null/0 domain=null";
   const Case cases[] = {
       {[&](uint64_t* t) { return platform->ResetTarget(kDebugPort, t); }, true,
-       {"Target size=48 type=32 state=Asserted" + tail, "Target size=48 type=32 state=Deasserted" + tail}},
+       {"Target size=48 type=32 state='Asserted'" + tail, "Target size=48 type=32 state='Deasserted'" + tail}},
       {[&](uint64_t* t) { return platform->PowerCycleTarget(kDebugPort, t); }, false,
-       {"Target size=48 type=1 state=Off" + tail, "Target size=48 type=1 state=On" + tail}},
+       {"Target size=48 type=1 state='Off'" + tail, "Target size=48 type=1 state='On'" + tail}},
   };
   for (const Case& c : cases) {
     uint64_t token = 0;
@@ -197,7 +197,8 @@ TEST_F(PlatformControlTest, PowerCycleAndResetRestartTheFirmwareAndAreAnnounced)
     bitData->Destroy(&far);
     const size_t postsBefore = voxtrel::testing::CpuPostCodes(kTargetDomain).size();
 
-    Await(c.action(&token), token);
+    const VXT_Result started = c.action(&token);
+    Await(started, token);
     // The bootstrap thread starts from its reset vector: its first POST code
     // comes again, and the threads run their loop once more.
     WaitUntilLooping(0);

@@ -49,7 +49,7 @@ TEST_F(PreconditionTest, TraceLinesAndChecks) {
   uint32_t id = 0;
   uint32_t suppressed = 7;
   char names[2][VXT_PRECONDITION_NAME_SIZE] = {};
-  auto state = static_cast<VXT_PreconditionState>(9);
+  VXT_PreconditionState state = VXT_PreconditionState_True;
   const std::string ok = " ErrorCode = 0x00000000 [ClientID: 3]";
   auto failed = [](const std::string& message, const std::string& out, const char* code) {
     return std::vector<std::string>{"VXT Error = '" + message + "' [ClientID: 3]",
@@ -99,7 +99,7 @@ TEST_F(PreconditionTest, TraceLinesAndChecks) {
       {[&] { preconditions->GetCurrentState(kTargetDomain, 3, &state); },
        lines("In  InProc_Precondition::GetCurrentState(deviceId = 0x02000000 preconditionId = 3) [ClientID: 3]",
              failed("Precondition.GetCurrentState: device 0x02000000 has no precondition 3",
-                    "Out InProc_Precondition::GetCurrentState(state = 9)", "0x80000002"))},
+                    "Out InProc_Precondition::GetCurrentState(state = True)", "0x80000002"))},
       {[&] { preconditions->GetDefaultState(kTargetDomain, kProbeMode, &state); },
        {"In  InProc_Precondition::GetDefaultState(deviceId = 0x02000000 preconditionId = 1) [ClientID: 3]",
         "Out InProc_Precondition::GetDefaultState(state = False)" + ok}},

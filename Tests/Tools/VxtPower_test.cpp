@@ -1,5 +1,5 @@
-// vxt power, reset, precondition, login and logout in one session, and a
-// mistake of the user.
+// vxt power, reset, precondition, login, logout, probe, scenario and the
+// settings commands in sessions, and a mistake of the user.
 #include <string>
 
 #include <gtest/gtest.h>
@@ -20,6 +20,16 @@ TEST(VxtPower, CycleResetStatusAndLogin) {
                                 "credentials cleared\nauthorized: Debug\n"),
             std::string::npos)
       << session.output;
+  const VxtRun settings =
+      RunVxt("-e 'probe select VxtSim; scenario select ColdBoot; set TargetDomain0 CacheMode WriteThrough; settings; "
+             "revert; probes'");
+  EXPECT_EQ(settings.exitStatus, 0) << settings.output;
+  EXPECT_NE(settings.output.find("selected VxtSim VXTSIM-0001\nscenario ColdBoot\nCacheMode = WriteThrough\n"
+                                 "CacheMode = WriteThrough  (WriteBack, WriteThrough)\nTraceBuffer = 64\n"
+                                 "DebugUnlock = Locked  (Locked, Unlocked)\nreverted 1 setting(s)\n"
+                                 "VxtSim  VXTSIM-0001  Simulated debug probe on the SimBoard's debug connector\n"),
+            std::string::npos)
+      << settings.output;
   const VxtRun refused = RunVxt("power nap");
   EXPECT_EQ(refused.exitStatus, 1);
   EXPECT_NE(refused.output.find("unknown power action 'nap' (cycle or status)"), std::string::npos) << refused.output;

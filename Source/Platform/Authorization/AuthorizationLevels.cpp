@@ -13,6 +13,7 @@
 #include "Target/FacetChecks.h"
 #include "Target/FacetOwner.h"
 #include "Target/JsonReader.h"
+#include "Target/PerTarget.h"
 #include "Target/TargetModel.h"
 
 namespace voxtrel::platform::authorization {
@@ -58,12 +59,9 @@ const bool registered = [] {
   return true;
 }();
 
-// The levels in force, by the device whose member describes them: an index
-// into its levels.
-struct InForce {
-  std::mutex mutex;
-  std::map<uint32_t, size_t> levels;
-};
+// The levels in force on the built target, by the device whose member
+// describes them: an index into its levels.
+using InForce = target::PerTarget<std::map<uint32_t, size_t>>;
 
 InForce& Current() {
   static InForce inForce;
@@ -73,27 +71,29 @@ InForce& Current() {
 // The device and the levels it offers: the first device from `deviceId` up
 // that has the member, or the device itself with no levels.
 struct Offer {
+  std::shared_ptr<target::LiveTopology> topology;
   const Node* owner = nullptr;
   std::vector<Level> levels;
 };
 
-Offer OfferOf(const target::LiveTopology& topology, const Node& device) {
-  if (const Node* owner = target::FacetOwner(topology, device, "authorization"))
-    return Offer{owner, ReadLevels(*owner->FindFacet("authorization"), "authorization")};
-  return Offer{&device, {}};
+Offer OfferOf(const std::shared_ptr<target::LiveTopology>& topology, const Node& device) {
+  if (const Node* owner = target::FacetOwner(*topology, device, "authorization"))
+    return Offer{topology, owner, ReadLevels(*owner->FindFacet("authorization"), "authorization")};
+  return Offer{topology, &device, {}};
 }
 
 std::optional<Offer> OfferFor(Request& request, uint32_t deviceId) {
   const Node* device = request.Device(deviceId);
   if (device == nullptr) return std::nullopt;
-  return OfferOf(*request.Topology(), *device);
+  return OfferOf(request.SharedTopology(), *device);
 }
 
-size_t InForceIndex(const Node& owner) {
+size_t InForceIndex(const Offer& offer) {
   InForce& current = Current();
   std::lock_guard lock(current.mutex);
-  const auto found = current.levels.find(owner.id);
-  return found == current.levels.end() ? 0 : found->second;
+  const auto& levels = current.For(offer.topology);
+  const auto found = levels.find(offer.owner->id);
+  return found == levels.end() ? 0 : found->second;
 }
 
 void CopyField(const std::string& text, char* field) { target_manager::CopyText(text, field, kLevelFieldSize); }
@@ -166,7 +166,7 @@ uint32_t QueryAuthorizationLevel(uint32_t deviceId, char* levelName) {
   return Guarded(request, [&] {
     const auto offer = OfferFor(request.NotNull(levelName, "levelName"), deviceId);
     if (!offer) return request.code();
-    CopyField(offer->levels.empty() ? std::string() : offer->levels[InForceIndex(*offer->owner)].name, levelName);
+    CopyField(offer->levels.empty() ? std::string() : offer->levels[InForceIndex(*offer)].name, levelName);
     return 0u;
   });
 }
@@ -193,7 +193,7 @@ uint32_t Authorize(uint32_t deviceId, const char* levelName) {
                                                 : ": no credentials are held; SetCredentials gives them");
     InForce& current = Current();
     std::lock_guard lock(current.mutex);
-    current.levels[offer->owner->id] = static_cast<size_t>(wanted - levels.begin());
+    current.For(offer->topology)[offer->owner->id] = static_cast<size_t>(wanted - levels.begin());
     return 0u;
   });
 }
@@ -201,7 +201,7 @@ uint32_t Authorize(uint32_t deviceId, const char* levelName) {
 // The text of a refusal when the level in force is below the one that
 // grants `operation`.
 std::optional<std::string> MissingLevel(const Offer& offer, std::string_view operation) {
-  const size_t inForce = offer.levels.empty() ? 0 : InForceIndex(*offer.owner);
+  const size_t inForce = offer.levels.empty() ? 0 : InForceIndex(offer);
   for (size_t i = inForce + 1; i < offer.levels.size(); ++i) {
     const auto& grants = offer.levels[i].grants;
     if (std::find(grants.begin(), grants.end(), operation) != grants.end())
@@ -227,7 +227,7 @@ target::Outcome GrantOutcome(uint32_t deviceId, std::string_view operation) {
     const auto topology = target::TargetModel::Instance().Topology();
     const Node* device = topology ? topology->Layout().Find(deviceId) : nullptr;
     if (device == nullptr) return std::nullopt;
-    if (const auto missing = MissingLevel(OfferOf(*topology, *device), operation))
+    if (const auto missing = MissingLevel(OfferOf(topology, *device), operation))
       return target::Failure{kNotAuthorized, *missing};
     return std::nullopt;
   } catch (const std::exception& failure) {

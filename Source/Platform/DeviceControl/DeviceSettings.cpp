@@ -33,6 +33,7 @@
 #include "Target/FacetChecks.h"
 #include "Target/FacetOwner.h"
 #include "Target/JsonReader.h"
+#include "Target/PerTarget.h"
 #include "TargetManager/Request.h"
 
 // The library's handle of a device: its id, for the life of the process.
@@ -108,11 +109,9 @@ const bool registered = [] {
   return true;
 }();
 
-// Values set, by the device that describes the configs and the config's name.
-struct Values {
-  std::mutex mutex;
-  std::map<std::pair<uint32_t, std::string>, std::string> set;
-};
+// Values set on the built target, by the device that describes the configs
+// and the config's name.
+using Values = target::PerTarget<std::map<std::pair<uint32_t, std::string>, std::string>>;
 Values& Stored() {
   static Values values;
   return values;
@@ -120,6 +119,7 @@ Values& Stored() {
 
 // A device's configs and actions, and the device whose members they are.
 struct Described {
+  std::shared_ptr<target::LiveTopology> topology;
   const target::Node* device = nullptr;
   uint32_t ownerId = 0;
   std::vector<Config> configs;
@@ -128,18 +128,20 @@ struct Described {
 
   std::string ValueOf(const Config& config) const {
     std::lock_guard lock(Stored().mutex);
-    const auto found = Stored().set.find({ownerId, config.name});
-    return found == Stored().set.end() ? config.defaultValue : found->second;
+    const auto& set = Stored().For(topology);
+    const auto found = set.find({ownerId, config.name});
+    return found == set.end() ? config.defaultValue : found->second;
   }
 };
 
-std::optional<Described> DescribedFor(const target::LiveTopology& topology, const target::Node& device) {
-  Described described{&device, device.id, {}, {}, device.targetDomainId};
-  if (const target::Node* owner = target::FacetOwner(topology, device, kConfigs)) {
+std::optional<Described> DescribedFor(const std::shared_ptr<target::LiveTopology>& topology,
+                                      const target::Node& device) {
+  Described described{topology, &device, device.id, {}, {}, device.targetDomainId};
+  if (const target::Node* owner = target::FacetOwner(*topology, device, kConfigs)) {
     described.ownerId = owner->id;
     described.configs = ReadConfigs(*owner->FindFacet(kConfigs), kConfigs);
   }
-  if (const target::Node* owner = target::FacetOwner(topology, device, kActions))
+  if (const target::Node* owner = target::FacetOwner(*topology, device, kActions))
     described.actions = ReadActions(*owner->FindFacet(kActions), kActions);
   return described;
 }
@@ -147,7 +149,7 @@ std::optional<Described> DescribedFor(const target::LiveTopology& topology, cons
 std::optional<Described> DescribedFor(Request& request, uint32_t deviceId) {
   const target::Node* device = request.Device(deviceId);
   if (device == nullptr) return std::nullopt;
-  return DescribedFor(*request.Topology(), *device);
+  return DescribedFor(request.SharedTopology(), *device);
 }
 
 template <class Item>
@@ -205,10 +207,11 @@ uint32_t SetDeviceConfig(uint32_t deviceId, const char* name, const char* value)
   if (!config.requiredGrant.empty() && authorization::RequireGrant(request, deviceId, config.requiredGrant) != 0)
     return request.code();
   std::lock_guard lock(Stored().mutex);
+  auto& set = Stored().For(found->first.topology);
   if (config.defaultValue == value) {
-    Stored().set.erase({found->first.ownerId, config.name});
+    set.erase({found->first.ownerId, config.name});
   } else {
-    Stored().set[{found->first.ownerId, config.name}] = value;
+    set[{found->first.ownerId, config.name}] = value;
   }
   return 0;
 }
@@ -321,7 +324,7 @@ std::optional<Described> DescribedForNode(const Node& node) {
   if (!topology) throw Voxtrel_Error_Exception(target_manager::kTopologyNotBuilt);
   const target::Node* device = topology->Layout().Find(node.deviceId);
   if (device == nullptr) throw Voxtrel_Error_Exception(target_manager::kDeviceNotFound);
-  return DescribedFor(*topology, *device);
+  return DescribedFor(topology, *device);
 }
 
 }  // namespace
@@ -341,7 +344,8 @@ std::vector<ModifiedDeviceConfig> Modified(const Node& node) {
 void Revert(const Node& node) {
   const auto described = DescribedForNode(node);
   std::lock_guard lock(Stored().mutex);
-  for (const Config& config : described->configs) Stored().set.erase({described->ownerId, config.name});
+  auto& set = Stored().For(described->topology);
+  for (const Config& config : described->configs) set.erase({described->ownerId, config.name});
 }
 
 }  // namespace voxtrel::platform::device_control

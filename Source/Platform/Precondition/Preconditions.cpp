@@ -26,6 +26,7 @@
 #include "Target/FacetChecks.h"
 #include "Target/FacetOwner.h"
 #include "Target/JsonReader.h"
+#include "Target/PerTarget.h"
 #include "TargetManager/Request.h"
 
 namespace voxtrel::platform::precondition {
@@ -81,17 +82,15 @@ const bool registered = [] {
   return true;
 }();
 
-// What clients changed, by the device that describes the preconditions.
+// What clients changed on the built target, by the device that describes
+// the preconditions and the precondition.
 struct Changes {
   VXT_PreconditionState current = VXT_PreconditionState_Unknown;
   std::optional<VXT_PreconditionState> defaultState;
   bool suppressed = false;
 };
 
-struct State {
-  std::mutex mutex;
-  std::map<std::pair<uint32_t, uint32_t>, Changes> changes;
-};
+using State = target::PerTarget<std::map<std::pair<uint32_t, uint32_t>, Changes>>;
 
 State& Stored() {
   static State state;
@@ -100,13 +99,14 @@ State& Stored() {
 
 // One precondition of the device a request names.
 struct Found {
+  std::shared_ptr<target::LiveTopology> topology;
   const Node* owner = nullptr;
   std::vector<Described> all;
   uint32_t id = 0;
 
   const Described& described() const { return all[id - 1]; }
   Changes& changes() const {
-    auto [entry, added] = Stored().changes.try_emplace({owner->id, id});
+    auto [entry, added] = Stored().For(topology).try_emplace({owner->id, id});
     if (added) entry->second.current = described().defaultState;
     return entry->second;
   }
@@ -117,8 +117,8 @@ std::optional<Found> PreconditionsOf(Request& request, uint32_t deviceId) {
   const Node* device = request.Device(deviceId);
   if (device == nullptr) return std::nullopt;
   const Node* owner = target::FacetOwner(*request.Topology(), *device, kMember);
-  if (owner == nullptr) return Found{device, {}, 0};
-  return Found{owner, ReadPreconditions(*owner->FindFacet(kMember), kMember), 0};
+  if (owner == nullptr) return Found{request.SharedTopology(), device, {}, 0};
+  return Found{request.SharedTopology(), owner, ReadPreconditions(*owner->FindFacet(kMember), kMember), 0};
 }
 
 std::optional<Found> Precondition(Request& request, uint32_t deviceId, uint32_t preconditionId) {

@@ -21,3 +21,4 @@
 #include "IInternalService_Authorization.h"
 #include "IInternalService_Precondition.h"
 #include "IInternalService_DeviceControl.h"
+#include "IInternalService_Initialization.h"

@@ -8,6 +8,7 @@
 #include "InProc_Event.h"
 #include "InProc_General.h"
 #include "InProc_I2cAccess.h"
+#include "InProc_Initialization.h"
 #include "InProc_InterfacePins.h"
 #include "InProc_Memory.h"
 #include "InProc_JtagAccess.h"
@@ -69,6 +70,8 @@ void* FindService(uint32_t serviceId) {
       return static_cast<IInternalService_Precondition*>(&InProc_Precondition::Instance());
     case VXT_Service_DeviceControl:
       return static_cast<IInternalService_DeviceControl*>(&InProc_DeviceControl::Instance());
+    case VXT_Service_Initialization:
+      return static_cast<IInternalService_Initialization*>(&InProc_Initialization::Instance());
     default:
       return nullptr;
   }
