@@ -92,10 +92,12 @@ TEST_F(ProbeInitializationTest, RecordsAndLines) {
   EXPECT_EQ(init->GetConnectedProbes(0, probes), 0);
   EXPECT_EQ(voxtrel::testing::CallCount("TargetManager.GetConnectedProbes"), 2u);
 
-  // A type with no terminator in its field reaches the component cut to 63 characters.
+  // A type with no terminator in its field reaches the component cut to 63
+  // characters (the identifier is the one the first selection completed).
   std::memset(wanted.type, 'A', sizeof wanted.type);
   EXPECT_EQ(init->SelectProbe(&wanted, nullptr), static_cast<VXT_Result>(0x80040004));
-  EXPECT_EQ(std::string(GetLastErrorMessage()), "TargetManager.SelectProbe: no probe of type \"" + std::string(63, 'A') + "\"");
+  EXPECT_EQ(std::string(GetLastErrorMessage()), "TargetManager.SelectProbe: no probe of type \"" + std::string(63, 'A') +
+                                                   "\" and identifier \"VXTSIM-0001\"");
   EXPECT_EQ(init->GetAvailableScenarios(1, nullptr), static_cast<VXT_Result>(0x80000001));
   EXPECT_EQ(std::string(GetLastErrorMessage()),
             "InProc_Initialization::GetAvailableScenarios() argument error (scenarioNames) : Null pointer");
