@@ -9,7 +9,7 @@ packages=(
   nlohmann-json3-dev libspdlog-dev libfmt-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   libunicorn-dev libzydis-dev libzycore-dev binutils libedit-dev
-  openocd gdb pkg-config tmux gcovr
+  libcrypt-dev openocd gdb pkg-config tmux gcovr
 )
 
 missing=()

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "AwaitReceipt.h"
 #include "CommandRegistry.h"
 #include "DeviceNames.h"
 
@@ -27,18 +28,6 @@ std::vector<uint32_t> ResolveAll(IInternalService_Device& devices, const std::ve
   std::vector<uint32_t> ids;
   for (const std::string& name : names) ids.push_back(ResolveDevice(devices, name));
   return ids;
-}
-
-// Waits for the operation; throws with its message unless it completed.
-void AwaitCompletion(IInternalService_OperationReceipt& receipts, uint64_t token, const std::string& call) {
-  Check(receipts.Flush(token), "Flush");
-  OperationStatus status = VXT_OperationStatus_Pending;
-  Check(receipts.GetOperationStatus(token, &status), "GetOperationStatus");
-  char message[512] = "";
-  if (status != VXT_OperationStatus_Completed)
-    Check(receipts.GetOperationErrorMessage(token, message, sizeof message, nullptr), "GetOperationErrorMessage");
-  Check(receipts.Destroy(token), "Destroy");
-  if (status != VXT_OperationStatus_Completed) throw std::runtime_error(call + " did not complete: " + message);
 }
 
 int Lock(const CommandArguments& arguments, const SessionOptions& options, std::ostream& out) {

@@ -24,6 +24,14 @@ struct TargetManager_TapController {
 };
 static_assert(sizeof(TargetManager_TapController) == 388);
 
+// The component's form of a probe: a VXT_Probe without its structureSize.
+struct TargetManager_Probe {
+  char type[64];
+  char uniqueIdentifier[128];
+  char details[512];
+};
+static_assert(sizeof(TargetManager_Probe) == 704);
+
 // Phases of UpdateTopology, as bits; 0 stands for all of them.
 inline constexpr int32_t kTopologyPhaseEnabledFlags = 0x1;    // Enabled flags back to the description's
 inline constexpr int32_t kTopologyPhaseTapControllers = 0x2;  // Specified TAP controllers forgotten
@@ -120,6 +128,34 @@ struct TargetManagerComponent {
   // Encrypted debug of a device, on and off; the Jtag component reports it.
   uint32_t (*StartEncryptedDebug)(uint32_t deviceId);
   uint32_t (*StopEncryptedDebug)(uint32_t deviceId);
+
+  // Probes, TAP controllers found on a chain, saved configurations and
+  // scenarios (ProbeOperations.cpp). A probe is one debug port's, as the
+  // description says; a chain's TAP controllers are found once its debug
+  // port's probe is initialized.
+  uint32_t (*GetProbeTypeCount)(uint32_t* probeTypeCount);
+  uint32_t (*GetProbeTypes)(uint32_t maxProbeTypeCount, char* probeTypes);
+  uint32_t (*GetConnectedProbeCount)(uint32_t* probeCount);
+  uint32_t (*GetConnectedProbes)(uint32_t maxProbeCount, TargetManager_Probe* probes);
+  // Completes the record from the probe whose type (and identifier, when
+  // given) it names; `selection`, when not null, is a uint32_t that receives
+  // the probe's debug port.
+  uint32_t (*SelectProbe)(TargetManager_Probe* probe, void* selection);
+  uint32_t (*InitializeProbe)(uint32_t debugPortId);
+  uint32_t (*GetSupportedTapControllerCount)(uint32_t* tapControllerCount);
+  uint32_t (*GetSupportedTapControllers)(uint32_t maxTapControllerCount, TargetManager_TapController* tapControllers);
+  uint32_t (*GetDiscoveredTapControllerCount)(uint32_t jtagChainId, uint32_t* tapControllerCount);
+  uint32_t (*GetDiscoveredTapControllers)(uint32_t jtagChainId, uint32_t maxTapControllerCount,
+                                          TargetManager_TapController* tapControllers);
+  // As SpecifyTopology: what the chain holds from now on, in place of what was found.
+  uint32_t (*SpecifyTapControllers)(uint32_t jtagChainId, uint32_t tapControllerCount,
+                                    const TargetManager_TapController* tapControllers);
+  uint32_t (*IsSavedConfigurationAvailable)(uint32_t* savedConfigurationAvailable);
+  uint32_t (*SaveConfiguration)();
+  uint32_t (*RestoreConfiguration)();
+  uint32_t (*GetAvailableScenarioCount)(uint32_t* scenarioCount);
+  uint32_t (*GetAvailableScenarios)(uint32_t maxScenarioCount, char* scenarioNames);
+  uint32_t (*SelectScenario)(const char* scenarioName);
 };
 
 VOXTREL_PLATFORM_API uint32_t Voxtrel_GetTargetManager(const TargetManagerComponent** table);

@@ -1,19 +1,16 @@
-// The Authorization component's table. Its operations are added as the services
-// that call them are built; the getter answers from library load on, as the
-// table is constant.
+// The Authorization component's getter: its table is constant from library
+// load on (Authorization/AuthorizationLevels.cpp).
 #include "Authorization.h"
 #include "Support/ComponentCall.h"
 #include "Target/Failure.h"
 
-namespace {
-
-constexpr AuthorizationComponent kAuthorization{};
-
-}  // namespace
+namespace voxtrel::platform::authorization {
+const AuthorizationComponent* Table();
+}  // namespace voxtrel::platform::authorization
 
 uint32_t Voxtrel_GetAuthorization(const AuthorizationComponent** table) {
   VOXTREL_COMPONENT_CALL("Voxtrel_GetAuthorization");
   if (!table) return voxtrel::platform::target::kNullArgument;
-  *table = &kAuthorization;
+  *table = voxtrel::platform::authorization::Table();
   return 0;
 }

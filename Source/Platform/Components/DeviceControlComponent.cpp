@@ -1,19 +1,16 @@
-// The DeviceControl component's table. Its operations are added as the services
-// that call them are built; the getter answers from library load on, as the
-// table is constant.
+// The DeviceControl component's getter: its table is constant from library
+// load on (DeviceControl/DeviceSettings.cpp).
 #include "DeviceControl.h"
 #include "Support/ComponentCall.h"
 #include "Target/Failure.h"
 
-namespace {
-
-constexpr DeviceControlComponent kDeviceControl{};
-
-}  // namespace
+namespace voxtrel::platform::device_control {
+const DeviceControlComponent* Table();
+}  // namespace voxtrel::platform::device_control
 
 uint32_t Voxtrel_GetDeviceControl(const DeviceControlComponent** table) {
   VOXTREL_COMPONENT_CALL("Voxtrel_GetDeviceControl");
   if (!table) return voxtrel::platform::target::kNullArgument;
-  *table = &kDeviceControl;
+  *table = voxtrel::platform::device_control::Table();
   return 0;
 }

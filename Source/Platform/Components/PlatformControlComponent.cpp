@@ -2,6 +2,7 @@
 // that call them are built; the getter answers from library load on, as the
 // table is constant.
 #include "PlatformControl.h"
+#include "PlatformControl/PlatformControlOperations.h"
 #include "Support/ComponentCall.h"
 #include "Target/Failure.h"
 
@@ -11,7 +12,15 @@ uint32_t CheckPinChange(uint32_t pinsInterfaceOrDebugPortId, VXT_PinsSignal pins
 
 namespace {
 
-constexpr PlatformControlComponent kPlatformControl{&voxtrel::platform::pins::CheckPinChange};
+namespace control = voxtrel::platform::platform_control;
+
+constexpr PlatformControlComponent kPlatformControl{&voxtrel::platform::pins::CheckPinChange,
+                                                    &control::ExecuteAction,
+                                                    &control::ReadStatus,
+                                                    &control::SetPreferHighBandwidthTransports,
+                                                    &control::GetPreferHighBandwidthTransports,
+                                                    &control::SetFeatureSurvivabilityPreset,
+                                                    &control::GetFeatureSurvivabilityPreset};
 
 }  // namespace
 

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "Authorization/AuthorizationLevels.h"
 #include "CpuThreads.h"
 #include "MemoryAccess.h"
 #include "OperationResult.h"
@@ -138,6 +139,8 @@ Outcome WriteMsrsWork(uint32_t deviceId, const uint32_t* msrs, uint32_t count, c
   if (auto refused =
           ThreadForMany(deviceId, count, {{msrs, "msrs"}, {values, "values"}, {tokens, "operationTokens"}}, cpu))
     return refused;
+  // A device may keep its MSRs from clients below an authorization level.
+  if (auto refused = authorization::GrantOutcome(deviceId, "WriteMsr")) return refused;
   std::vector<uint64_t> numbers(count);
   std::vector<uint64_t> before(count);
   const cpu::RegisterInfo msrWidth{"msr", 64, cpu::RegisterGroup::Model};

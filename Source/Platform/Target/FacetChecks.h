@@ -14,9 +14,16 @@
 namespace voxtrel::platform::target {
 
 // The member names a device may carry for its components. A target domain's
-// CPUs read "memoryMap", "ioDevices", "cpuid", "msrs" and "apicIds".
+// CPUs read "memoryMap", "ioDevices", "cpuid", "msrs" and "apicIds"; the
+// Authorization component reads "authorization", the Precondition component
+// "preconditions", the DeviceControl component "deviceConfigs" and
+// "deviceActions".
 inline constexpr std::string_view kFacetMembers[] = {"memory",    "registers", "statePorts", "memoryMap",
-                                                     "ioDevices", "cpuid",     "msrs",       "apicIds"};
+                                                     "ioDevices", "cpuid",     "msrs",       "apicIds",
+                                                     "authorization",
+                                                     "preconditions",
+                                                     "deviceConfigs",
+                                                     "deviceActions"};
 
 // Throws DescriptionProblem (see JsonReader.h) when `facet` is not usable;
 // `node` is the device it belongs to, as far as it is built.

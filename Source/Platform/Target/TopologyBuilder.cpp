@@ -23,7 +23,11 @@ constexpr uint64_t kMaxThreadsPerCore = 256;
 // Members every node object may have.
 const std::initializer_list<std::string_view> kNodeMembers = {
     "identifier", "enabled",   "properties", "memory", "registers", "statePorts",
-    "memoryMap",  "ioDevices", "cpuid",      "msrs",   "apicIds"};
+    "memoryMap",  "ioDevices", "cpuid",      "msrs",   "apicIds",
+    "authorization",
+    "preconditions",
+    "deviceConfigs",
+    "deviceActions"};
 
 bool IsIdentifierCharacter(char c) {
   return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '-' || c == '.';

@@ -4,6 +4,9 @@
 
 #include <cstdint>
 
+#include <vector>
+
+#include "Target/TargetModel.h"
 #include "TargetManager.h"
 
 namespace voxtrel::platform::target_manager {
@@ -52,6 +55,32 @@ void ReleaseLocksOfDepartedClient(uint32_t clientId);
 
 // Changes.
 uint32_t UpdateTopology(uint32_t deviceId, int32_t phases);
+// Probes, TAP controllers found, saved configurations and scenarios
+// (ProbeOperations.cpp).
+uint32_t GetProbeTypeCount(uint32_t* probeTypeCount);
+uint32_t GetProbeTypes(uint32_t maxProbeTypeCount, char* probeTypes);
+uint32_t GetConnectedProbeCount(uint32_t* probeCount);
+uint32_t GetConnectedProbes(uint32_t maxProbeCount, TargetManager_Probe* probes);
+uint32_t SelectProbe(TargetManager_Probe* probe, void* selection);
+uint32_t InitializeProbe(uint32_t debugPortId);
+uint32_t GetSupportedTapControllerCount(uint32_t* tapControllerCount);
+uint32_t GetSupportedTapControllers(uint32_t maxTapControllerCount, TargetManager_TapController* tapControllers);
+uint32_t GetDiscoveredTapControllerCount(uint32_t jtagChainId, uint32_t* tapControllerCount);
+uint32_t GetDiscoveredTapControllers(uint32_t jtagChainId, uint32_t maxTapControllerCount,
+                                     TargetManager_TapController* tapControllers);
+uint32_t SpecifyTapControllers(uint32_t jtagChainId, uint32_t tapControllerCount,
+                               const TargetManager_TapController* tapControllers);
+uint32_t IsSavedConfigurationAvailable(uint32_t* savedConfigurationAvailable);
+uint32_t SaveConfiguration();
+uint32_t RestoreConfiguration();
+uint32_t GetAvailableScenarioCount(uint32_t* scenarioCount);
+uint32_t GetAvailableScenarios(uint32_t maxScenarioCount, char* scenarioNames);
+uint32_t SelectScenario(const char* scenarioName);
+
+// What a JTAG chain holds now: the TAP controllers last specified, else the
+// described ones (TopologyChanges.cpp).
+std::vector<target::TapControllerSpecification> TapControllersOnChain(const target::LiveTopology& live,
+                                                                      const target::Node& chain);
 uint32_t SpecifyTopology(uint32_t jtagChainId, uint32_t tapControllerCount,
                          const TargetManager_TapController* tapControllers);
 uint32_t SetDeviceEnabled(uint32_t deviceId, bool enabled);

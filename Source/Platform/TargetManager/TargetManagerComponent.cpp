@@ -89,6 +89,23 @@ constexpr TargetManagerComponent kTargetManager{
     &IsDeviceEnabled,
     &jtag::StartEncryptedDebug,
     &jtag::StopEncryptedDebug,
+    &GetProbeTypeCount,
+    &GetProbeTypes,
+    &GetConnectedProbeCount,
+    &GetConnectedProbes,
+    &SelectProbe,
+    &InitializeProbe,
+    &GetSupportedTapControllerCount,
+    &GetSupportedTapControllers,
+    &GetDiscoveredTapControllerCount,
+    &GetDiscoveredTapControllers,
+    &SpecifyTapControllers,
+    &IsSavedConfigurationAvailable,
+    &SaveConfiguration,
+    &RestoreConfiguration,
+    &GetAvailableScenarioCount,
+    &GetAvailableScenarios,
+    &SelectScenario,
 };
 
 }  // namespace

@@ -91,6 +91,10 @@ void PublishCompleted(bool devicesHaveChanged) { events::PublishReconfigurationE
 
 }  // namespace
 
+std::vector<TapControllerSpecification> TapControllersOnChain(const LiveTopology& live, const Node& chain) {
+  return CurrentTapControllers(live, chain);
+}
+
 uint32_t SetDeviceEnabled(uint32_t deviceId, bool enabled) {
   VOXTREL_COMPONENT_CALL("TargetManager.SetDeviceEnabled", "deviceId=", HexId(deviceId), ", enabled=", enabled);
   Request request("TargetManager.SetDeviceEnabled");

@@ -14,6 +14,7 @@
 #include "CpuTestControl.h"
 #include "PlatformApi.h"
 #include "JtagTestControl.h"
+#include "PlatformControlTestControl.h"
 
 namespace voxtrel::testing {
 

@@ -19,3 +19,8 @@
 #include "IInternalService_Breakpoint.h"
 #include "IInternalService_Dma.h"
 #include "IInternalService_StatePort.h"
+#include "IInternalService_PlatformControl.h"
+#include "IInternalService_Authorization.h"
+#include "IInternalService_Precondition.h"
+#include "IInternalService_DeviceControl.h"
+#include "IInternalService_Initialization.h"

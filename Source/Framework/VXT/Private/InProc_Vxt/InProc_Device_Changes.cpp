@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "InProc_Device.h"
+#include "TapControllerRecords.h"
 #include "frame/Frame.h"
 
 namespace vxt {
@@ -18,44 +19,6 @@ using frame::List;
 using frame::NoArgs;
 using frame::TraceArgs;
 using Table = TargetManagerComponent;
-
-// "{deviceType = CPU deviceSubType = Core stepping = B0 irLength = 8}": the
-// texts without quotes, read no further than their fields.
-struct TapControllerText {
-  const VXT_TapController* record;
-  friend std::ostream& operator<<(std::ostream& out, TapControllerText value) {
-    const VXT_TapController& tap = *value.record;
-    const auto field = [&out](const char* text) {
-      out.write(text, static_cast<std::streamsize>(strnlen(text, VXT_TAP_CONTROLLER_TEXT_SIZE)));
-    };
-    out << "{deviceType = ";
-    field(tap.deviceType);
-    out << " deviceSubType = ";
-    field(tap.deviceSubType);
-    out << " stepping = ";
-    field(tap.stepping);
-    return out << " irLength = " << Dec{tap.irLength} << "}";
-  }
-};
-
-// Copies a public text field into the component's, cut to size - 1 and
-// terminated.
-void CopyField(char (&target)[VXT_TAP_CONTROLLER_TEXT_SIZE], const char (&source)[VXT_TAP_CONTROLLER_TEXT_SIZE]) {
-  std::memcpy(target, source, strnlen(source, VXT_TAP_CONTROLLER_TEXT_SIZE - 1));
-}
-
-// The component's form of the caller's records, zero-filled first; their
-// structureSize is not read.
-std::vector<TargetManager_TapController> ComponentRecords(const VXT_TapController* tapControllers, uint32_t count) {
-  std::vector<TargetManager_TapController> records(count, TargetManager_TapController{});
-  for (uint32_t index = 0; index < count; ++index) {
-    CopyField(records[index].deviceType, tapControllers[index].deviceType);
-    CopyField(records[index].deviceSubType, tapControllers[index].deviceSubType);
-    CopyField(records[index].stepping, tapControllers[index].stepping);
-    records[index].irLength = tapControllers[index].irLength;
-  }
-  return records;
-}
 
 }  // namespace
 

@@ -5,9 +5,11 @@
 #include "InProc_BitDataOperations.h"
 #include "InProc_Device.h"
 #include "InProc_Dma.h"
+#include "InProc_DeviceControl.h"
 #include "InProc_Event.h"
 #include "InProc_General.h"
 #include "InProc_I2cAccess.h"
+#include "InProc_Initialization.h"
 #include "InProc_InterfacePins.h"
 #include "InProc_Memory.h"
 #include "InProc_JtagAccess.h"
@@ -17,7 +19,10 @@
 #include "InProc_Register.h"
 #include "InProc_RunControl.h"
 #include "InProc_StatePort.h"
+#include "InProc_Authorization.h"
 #include "InProc_Breakpoint.h"
+#include "InProc_PlatformControl.h"
+#include "InProc_Precondition.h"
 #include "InProc_BreakpointManagement.h"
 #include "VXT_ServiceIds.h"
 
@@ -63,6 +68,16 @@ void* FindService(uint32_t serviceId) {
       return static_cast<IInternalService_StatePort*>(&InProc_StatePort::Instance());
     case VXT_Service_Dma:
       return static_cast<IInternalService_Dma*>(&InProc_Dma::Instance());
+    case VXT_Service_PlatformControl:
+      return static_cast<IInternalService_PlatformControl*>(&InProc_PlatformControl::Instance());
+    case VXT_Service_Authorization:
+      return static_cast<IInternalService_Authorization*>(&InProc_Authorization::Instance());
+    case VXT_Service_Precondition:
+      return static_cast<IInternalService_Precondition*>(&InProc_Precondition::Instance());
+    case VXT_Service_DeviceControl:
+      return static_cast<IInternalService_DeviceControl*>(&InProc_DeviceControl::Instance());
+    case VXT_Service_Initialization:
+      return static_cast<IInternalService_Initialization*>(&InProc_Initialization::Instance());
     default:
       return nullptr;
   }

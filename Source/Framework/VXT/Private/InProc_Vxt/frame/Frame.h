@@ -187,6 +187,9 @@ struct IsBehindParentheses<BehindParentheses<Args>> : std::true_type {};
 
 // An Out line with no parentheses at all: "Out InProc_<Service>::<Op> ErrorCode = ...".
 struct BareOut {};
+// An Out line whose code stands inside the parentheses:
+// "Out InProc_<Service>::<Op>(ErrorCode = 0x00000000)".
+struct CodeInParentheses {};
 
 template <class Args>
 struct OutLine {
@@ -197,6 +200,8 @@ struct OutLine {
     out << "Out InProc_" << line.site.service << "::" << line.site.operation;
     if constexpr (std::is_same_v<Args, BareOut>) {
       out << " ErrorCode = ";
+    } else if constexpr (std::is_same_v<Args, CodeInParentheses>) {
+      return out << "(ErrorCode = " << Hex8{line.publicCode} << ")";
     } else if constexpr (IsBehindParentheses<Args>::value) {
       out << "() " << line.args.args << " ErrorCode = ";
     } else {
@@ -209,13 +214,19 @@ struct OutLine {
 namespace detail {
 
 template <class Body>
+void RunBodyUncaught(Call& call, Body& body) {
+  if constexpr (std::is_void_v<std::invoke_result_t<Body&, Call&>>) {
+    body(call);
+  } else {
+    call.Settle(body(call));
+  }
+}
+
+template <class Body>
 void RunBody(Call& call, Body& body) {
+  if (!call.site().catchAll) return RunBodyUncaught(call, body);
   try {
-    if constexpr (std::is_void_v<std::invoke_result_t<Body&, Call&>>) {
-      body(call);
-    } else {
-      call.Settle(body(call));
-    }
+    RunBodyUncaught(call, body);
   } catch (...) {
     call.Threw();
   }

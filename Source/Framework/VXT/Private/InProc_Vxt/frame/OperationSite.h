@@ -18,6 +18,7 @@ struct OperationSite {
   bool contextFirst = false;  // Error context opened ahead of the In line
   const char* inName = nullptr;  // The In line's name of the operation, when it differs
   const char* afterCode = "";    // Written on the Out line right behind the code
+  bool catchAll = true;       // Exceptions of the body become 0x20009; else they pass through
 
   // The In line names the operation `name`; every other line and message
   // keeps `operation`.
@@ -51,6 +52,13 @@ struct OperationSite {
   constexpr OperationSite ParenthesisAfterCode() const {
     OperationSite site = *this;
     site.afterCode = ")";
+    return site;
+  }
+  // The short frame: the body runs without a catch-all, so whatever it
+  // calls must never throw.
+  constexpr OperationSite Uncaught() const {
+    OperationSite site = *this;
+    site.catchAll = false;
     return site;
   }
   constexpr OperationSite ContextFirst() const {
