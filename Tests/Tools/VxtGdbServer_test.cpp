@@ -1,6 +1,7 @@
 // `vxt gdbserver` driven by Debian's gdb and by a client that sends it
 // malformed and hostile packets.
 #include <chrono>
+#include <memory>
 #include <regex>
 #include <string>
 #include <thread>
@@ -26,15 +27,24 @@ class VxtGdbServer : public testing::Test {
   // the threads) and detaches (letting them run).
   uint64_t Counter() {
     RawGdbClient client(server.port());
-    const auto bytes = vxt::gdb::FromHex(client.Ask("m1000,8"));
+    const uint64_t value = vxt::test::LittleEndian(client.Ask("m1000,8"));
     client.Ask("D");
-    uint64_t value = 0;
-    if (bytes && bytes->size() == 8)
-      for (int i = 7; i >= 0; --i) value = value << 8 | (*bytes)[i];
     return value;
   }
   GdbServerProcess server;
 };
+
+// Lets the threads run and interrupts them as Ctrl-C in gdb does.
+void Interrupt(RawGdbClient& client) {
+  client.Send("vCont;c");
+  EXPECT_EQ(client.Next(), "+");
+  // No reply while the threads run: it comes with the stop.
+  client.SendBytes("\x03");
+  const std::string stop = client.Next();
+  EXPECT_TRUE(std::regex_match(stop, std::regex(R"(\$T02(\w+:\w+;)*thread:[1-4];)"))) << stop;
+  // Halted: the counter stands still.
+  EXPECT_EQ(client.Ask("m1000,8"), client.Ask("m1000,8"));
+}
 
 std::vector<std::string> Matches(const std::string& text, const std::string& pattern) {
   std::vector<std::string> found;
@@ -46,8 +56,9 @@ std::vector<std::string> Matches(const std::string& text, const std::string& pat
 
 TEST_F(VxtGdbServer, GdbSeesTheFirmwareLoopOnEveryThread) {
   if (!vxt::test::GdbInstalled()) GTEST_SKIP() << "gdb is not installed";
-  const std::string output = RunGdb(server.port(), {"info threads", "p/x $pc", "x/8i $pc",
-                                                    "info registers cs efer cr0", "detach"});
+  const std::string output =
+      RunGdb(server.port(), {"symbol-file " VXT_FIRMWARE_ELF, "info threads", "p/x $pc", "info symbol $pc",
+                             "x/8i $pc", "info registers cs efer cr0", "detach"});
   // Every hardware thread, with its id and identifier.
   for (const char* thread : {"0x03000000 Thread0_0", "0x03000001 Thread0_1", "0x03000002 Thread1_0",
                              "0x03000003 Thread1_1"})
@@ -59,6 +70,7 @@ TEST_F(VxtGdbServer, GdbSeesTheFirmwareLoopOnEveryThread) {
   const std::vector<std::string> pc = Matches(output, R"(\$1 = (0x[0-9a-f]+))");
   ASSERT_EQ(pc.size(), 1u) << output;
   EXPECT_GE(std::stoull(pc[0], nullptr, 16), 0xFFFF0000ull) << output;
+  EXPECT_TRUE(std::regex_search(output, std::regex(R"(\nloop( \+ \d+)? in section \.text)"))) << output;
   // Long mode with paging, 64-bit code segment.
   EXPECT_TRUE(std::regex_search(output, std::regex(R"(cs\s+0x18\s)"))) << output;
   EXPECT_TRUE(std::regex_search(output, std::regex(R"(efer\s+0x500\s)"))) << output;
@@ -88,28 +100,35 @@ TEST_F(VxtGdbServer, BreakpointsStepsAndWatchpointsStopWhereTheyShould) {
 
 TEST_F(VxtGdbServer, MonitorRunsSessionCommandsAndDetachLeavesTheTargetRunning) {
   if (!vxt::test::GdbInstalled()) GTEST_SKIP() << "gdb is not installed";
-  // A breakpoint left set at detach would stop the loop: the server removes it.
-  const std::string output =
-      RunGdb(server.port(), {"monitor topology", "monitor nosuchcommand", "break *$pc", "detach"});
+  // A reset through the pins restarts the firmware: the bootstrap thread
+  // meets a breakpoint in code that only the boot runs. A breakpoint left
+  // set at detach would stop the loop: the server removes it.
+  const std::string output = RunGdb(
+      server.port(), {"monitor topology", "monitor nosuchcommand", "symbol-file " VXT_FIRMWARE_ELF,
+                      "set breakpoint always-inserted on", "break uart_init", "monitor pins pulse Pins0 Reset 10",
+                      "maintenance flush register-cache", "thread 1", "info symbol $pc", "break *loop", "detach"});
   EXPECT_TRUE(std::regex_search(output, std::regex(R"(0x03000003\s+LogicalThread\s+Thread1_1)"))) << output;
   EXPECT_NE(output.find("vxt: unknown command or argument 'nosuchcommand'"), std::string::npos) << output;
+  EXPECT_NE(output.find("Reset pulsed for 10 us\n"), std::string::npos) << output;
+  EXPECT_NE(output.find("\nuart_init in section .text"), std::string::npos) << output;
   EXPECT_NE(output.find("detached"), std::string::npos) << output;
   const uint64_t first = Counter();
   std::this_thread::sleep_for(std::chrono::milliseconds(100));
   EXPECT_GT(Counter(), first);
 }
 
-TEST_F(VxtGdbServer, AnInterruptStopsTheRunningThreads) {
-  RawGdbClient client(server.port());
-  client.Send("vCont;c");
-  EXPECT_EQ(client.Next(), "+");
-  // No reply while the threads run: it comes with the stop.
-  client.SendBytes("\x03");
-  const std::string stop = client.Next();
-  EXPECT_TRUE(std::regex_match(stop, std::regex(R"(\$T02(\w+:\w+;)*thread:[1-4];)"))) << stop;
-  // Halted: the counter stands still.
-  EXPECT_EQ(client.Ask("m1000,8"), client.Ask("m1000,8"));
-  EXPECT_EQ(client.Ask("D"), "OK");
+TEST_F(VxtGdbServer, AnInterruptStopsTheRunningThreadsAndALeavingDebuggerTakesItsBreakpoints) {
+  auto client = std::make_unique<RawGdbClient>(server.port());
+  Interrupt(*client);
+  // A breakpoint where the thread stands in its loop, then the debugger
+  // goes without detaching: the threads run on, past where it was.
+  const uint64_t address = vxt::test::LittleEndian(client->Ask("p10"));
+  ASSERT_NE(address, 0u);
+  EXPECT_EQ(client->Ask("Z0," + vxt::gdb::HexNumber(address) + ",1"), "OK");
+  client.reset();
+  const uint64_t first = Counter();
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  EXPECT_GT(Counter(), first);
 }
 
 TEST_F(VxtGdbServer, HostilePacketsGetTheProtocolsAnswers) {

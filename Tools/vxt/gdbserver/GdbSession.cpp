@@ -257,6 +257,9 @@ std::string GdbSession::RunMonitor(std::string_view hexLine) {
   const auto line = FromHex(hexLine);
   if (!line) return kError;
   const std::string output = monitor_(std::string(line->begin(), line->end()));
+  // A command may have let threads run (a reset restarts them): the
+  // debugger still sees them halted, and so they are again.
+  target_.HaltAll();
   // Console output goes out in 'O' packets before the final reply.
   constexpr size_t kChunk = kPacketSize / 2 - 16;
   for (size_t offset = 0; offset < output.size(); offset += kChunk)
