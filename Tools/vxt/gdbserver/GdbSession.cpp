@@ -37,7 +37,7 @@ GdbSession::End GdbSession::Serve(int stopDescriptor) {
   lastStop_ = StopReply(Stop{Thread(0), VXT_RunControlEvent_Halt}, 5);
   std::vector<Incoming> incoming;
   while (!end_) {
-    pollfd watched[] = {{channel_.descriptor(), POLLIN, 0}, {stops_.descriptor(), POLLIN, 0},
+    pollfd watched[] = {{channel_.descriptor(), POLLIN, 0}, {running_ ? stops_.descriptor() : -1, POLLIN, 0},
                         {stopDescriptor, POLLIN, 0}};
     if (poll(watched, 3, -1) < 0) continue;
     if (watched[2].revents != 0) {

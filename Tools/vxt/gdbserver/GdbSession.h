@@ -54,6 +54,9 @@ class GdbSession {
   std::optional<std::string> RunThreads(const std::vector<size_t>& only);
   std::string ChangeBreakpoint(std::string_view packet, bool insert);
   void TakeStop();
+  // A breakpoint hit that waited while the threads were halted still
+  // stands: the thread is where it hit, at a breakpoint still set.
+  bool StillStands(const Stop& stop);
   void Interrupt();
   std::string StopReply(const Stop& stop, int signal);
   void Release();

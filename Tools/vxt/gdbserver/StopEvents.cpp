@@ -46,11 +46,12 @@ void StopEvents::Receive(const VXT_RunControlEvent* event, void* userData) {
   stop.thread = event->deviceId;
   stop.eventType = event->eventType;
   stop.breakpointId = event->breakpointId;
+  stop.address = event->address;
   stop.data = event->breakSubType != nullptr && std::strcmp(event->breakSubType, "Data") == 0;
   stop.dataAddress = event->extraValue;
   {
     const std::lock_guard lock(self->mutex_);
-    if (!self->armed_) return;
+    if (!self->armed_ && event->eventType != VXT_RunControlEvent_Breakpoint) return;
     self->stops_.push_back(stop);
   }
   const uint64_t one = 1;
@@ -65,8 +66,7 @@ void StopEvents::Arm() {
 void StopEvents::Disarm() {
   const std::lock_guard lock(mutex_);
   armed_ = false;
-  stops_.clear();
-  Drain(eventFd_);
+  std::erase_if(stops_, [](const Stop& stop) { return stop.eventType != VXT_RunControlEvent_Breakpoint; });
 }
 
 std::optional<Stop> StopEvents::Take() {
@@ -74,8 +74,8 @@ std::optional<Stop> StopEvents::Take() {
   Drain(eventFd_);
   if (stops_.empty()) return std::nullopt;
   const Stop stop = stops_.front();
+  stops_.pop_front();
   armed_ = false;
-  stops_.clear();
   return stop;
 }
 

@@ -3,9 +3,12 @@
 // loop sleeps in poll() on the socket and this descriptor together, and
 // nothing polls the target.
 //
-// Only stops that arrive while armed are kept: the server arms before it
-// lets the threads run and disarms when it reports a stop, so that the
-// halts it makes itself (all-stop) are not taken for new stops.
+// Breakpoint hits are always kept: one that comes while the debugger looks
+// (another thread's hit while the domain halts, a hit while a monitor
+// command lets the threads run) waits to be reported at the next resume.
+// Other stops are kept only while armed: the server arms before it lets
+// the threads run and disarms when it reports a stop, so that the halts
+// and steps it makes itself are not taken for new stops.
 #pragma once
 
 #include <cstdint>
@@ -23,6 +26,7 @@ struct Stop {
   uint32_t thread = 0;
   uint32_t eventType = 0;  // A VXT_RunControlEventType
   uint32_t breakpointId = 0;
+  uint64_t address = 0;       // Where the thread stopped
   bool data = false;          // A data breakpoint: `dataAddress` is the access
   uint64_t dataAddress = 0;
 };
@@ -35,10 +39,11 @@ class StopEvents {
   StopEvents(const StopEvents&) = delete;
   StopEvents& operator=(const StopEvents&) = delete;
 
-  // Readable while a stop waits.
+  // Readable while a stop waits (may stay readable while only hits wait
+  // that came while disarmed: watch it only while the threads run).
   int descriptor() const { return eventFd_; }
   void Arm();
-  // Disarms and drops what waits.
+  // Disarms and drops what waits but breakpoint hits.
   void Disarm();
   // The first stop that waits, which disarms; nullopt when none.
   std::optional<Stop> Take();
