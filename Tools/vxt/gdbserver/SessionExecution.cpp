@@ -98,6 +98,15 @@ std::optional<std::string> GdbSession::StepThread(size_t index) {
 }
 
 std::optional<std::string> GdbSession::RunThreads(const std::vector<size_t>& only) {
+  // A hit the debugger has not seen is its stop, before anything runs.
+  while (const auto pending = stops_.Take()) {
+    if (!StillStands(*pending)) continue;
+    const auto& threads = target_.threads();
+    generalThread_ = continueThread_ =
+        static_cast<size_t>(std::find(threads.begin(), threads.end(), pending->thread) - threads.begin());
+    lastStop_ = StopReply(*pending, kSigTrap);
+    return lastStop_;
+  }
   stops_.Arm();
   bool started = only.empty() ? target_.GoAll() : true;
   for (const size_t index : only) started = target_.Go(Thread(index)) && started;
@@ -119,6 +128,17 @@ void GdbSession::TakeStop() {
       static_cast<size_t>(std::find(threads.begin(), threads.end(), stop->thread) - threads.begin());
   lastStop_ = StopReply(*stop, kSigTrap);
   channel_.Send(lastStop_);
+}
+
+bool GdbSession::StillStands(const Stop& stop) {
+  if (stop.eventType != VXT_RunControlEvent_Breakpoint || stop.data) return false;
+  const bool set = std::any_of(breakpoints_.begin(), breakpoints_.end(),
+                               [&](const auto& entry) { return entry.second == stop.breakpointId; });
+  const auto rip = target_.ReadRegister(stop.thread, GdbRegisters()[GdbRegisterIndex("rip")]);
+  uint64_t address = 0;
+  if (rip)
+    for (size_t i = rip->size(); i-- > 0;) address = address << 8 | (*rip)[i];
+  return set && rip && address == stop.address;
 }
 
 void GdbSession::Interrupt() {
