@@ -37,22 +37,22 @@ void Ask(benchmark::State& state, const std::string& packet, size_t expectedSize
 }
 
 void GdbReadRip(benchmark::State& state) { Ask(state, "p10", 16); }
-BENCHMARK(GdbReadRip)->Unit(benchmark::kMicrosecond);
+BENCHMARK(GdbReadRip)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 void GdbReadMemory4KiB(benchmark::State& state) {
   Ask(state, "m100000,1000", 2 * 0x1000);
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * 0x1000);
 }
-BENCHMARK(GdbReadMemory4KiB)->Unit(benchmark::kMicrosecond);
+BENCHMARK(GdbReadMemory4KiB)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 // 0x2000 bytes: the most a reply of PacketSize 0x4000 holds.
 void GdbReadMemoryLargest(benchmark::State& state) {
   Ask(state, "m100000,2000", 2 * 0x2000);
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * 0x2000);
 }
-BENCHMARK(GdbReadMemoryLargest)->Unit(benchmark::kMicrosecond);
+BENCHMARK(GdbReadMemoryLargest)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 void GdbStep(benchmark::State& state) { Ask(state, "vCont;s:2", 3); }
-BENCHMARK(GdbStep)->Unit(benchmark::kMicrosecond);
+BENCHMARK(GdbStep)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 }  // namespace

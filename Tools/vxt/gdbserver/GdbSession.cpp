@@ -262,8 +262,11 @@ std::string GdbSession::RunMonitor(std::string_view hexLine) {
   target_.HaltAll();
   // Console output goes out in 'O' packets before the final reply.
   constexpr size_t kChunk = kPacketSize / 2 - 16;
-  for (size_t offset = 0; offset < output.size(); offset += kChunk)
-    channel_.Send("O" + ToHex(std::string_view(output).substr(offset, kChunk)));
+  for (size_t offset = 0; offset < output.size(); offset += kChunk) {
+    std::string packet = "O";
+    packet += ToHex(std::string_view(output).substr(offset, kChunk));
+    channel_.Send(packet);
+  }
   return "OK";
 }
 

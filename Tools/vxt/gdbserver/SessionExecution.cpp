@@ -150,7 +150,8 @@ void GdbSession::Interrupt() {
 }
 
 std::string GdbSession::StopReply(const Stop& stop, int signal) {
-  std::string reply = "T" + ToHex(std::string(1, static_cast<char>(signal)));
+  std::string reply = "T";
+  reply += ToHex(std::string(1, static_cast<char>(signal)));
   // The frame registers GDB reads first come with the stop.
   for (const char* name : {"rbp", "rsp", "rip"}) {
     const int index = GdbRegisterIndex(name);
