@@ -2,6 +2,7 @@
 // in batch mode against the server.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
@@ -18,9 +19,12 @@ namespace vxt::test {
 
 // The firmware boots for a while before its loop: waits until every thread
 // has counted an iteration of it (0x1100 + 8 * APIC id), connecting anew
-// each time so that the threads run in between.
+// each time so that the threads run in between. Every connection halts the
+// domain, and the threads take turns on one host thread: the pauses grow,
+// so that a slow build does not keep the later threads from their turn.
 inline void WaitUntilLooping(int port, int threads) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+  auto pause = std::chrono::milliseconds(50);
   for (;;) {
     RawGdbClient client(port);
     ASSERT_TRUE(client.connected());
@@ -30,7 +34,8 @@ inline void WaitUntilLooping(int port, int threads) {
     for (int thread = 0; thread < threads; ++thread) looping = looping && LittleEndian(counts, 8 * thread) != 0;
     if (looping) return;
     ASSERT_LT(std::chrono::steady_clock::now(), deadline) << "the threads never reached their loop";
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    std::this_thread::sleep_for(pause);
+    pause = std::min(2 * pause, std::chrono::milliseconds(2000));
   }
 }
 
