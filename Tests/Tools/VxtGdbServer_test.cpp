@@ -94,7 +94,7 @@ TEST_F(VxtGdbServer, BreakpointsStepsAndWatchpointsStopWhereTheyShould) {
        // The second thread's loop is 5 instructions: one step leaves the
        // place, five come back to it.
        "thread 2", "set $start = $pc", "stepi", "p $pc != $start", "stepi 4", "p $pc == $start",
-       // The shared counter changes by one write.
+       // The shared counter stops the threads at their next write.
        "watch *(long*)0x1000", "continue", "delete", "detach"});
   EXPECT_TRUE(std::regex_search(output, std::regex(R"(hit Breakpoint 1, 0x[0-9a-f]+ in)"))) << output;
   EXPECT_EQ(Matches(output, R"(\$\d+ = (\d+))"), (std::vector<std::string>{"1", "1", "1"})) << output;
@@ -103,7 +103,10 @@ TEST_F(VxtGdbServer, BreakpointsStepsAndWatchpointsStopWhereTheyShould) {
   const std::vector<std::string> after = Matches(output, R"(New value = (\d+))");
   ASSERT_EQ(before.size(), 1u) << output;
   ASSERT_EQ(after.size(), 1u) << output;
-  EXPECT_EQ(std::stoull(after[0]), std::stoull(before[0]) + 1) << output;
+  // The reporting thread wrote once; each other thread writes at most once
+  // more before its own hit or the all-stop halt holds it.
+  EXPECT_GT(std::stoull(after[0]), std::stoull(before[0])) << output;
+  EXPECT_LE(std::stoull(after[0]), std::stoull(before[0]) + kThreads) << output;
 }
 
 TEST_F(VxtGdbServer, MonitorRunsSessionCommandsAndDetachLeavesTheTargetRunning) {
