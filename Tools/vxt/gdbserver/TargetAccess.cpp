@@ -1,0 +1,192 @@
+#include "TargetAccess.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "Session.h"
+
+namespace vxt::gdb {
+namespace {
+
+using vxt::cli::Check;
+using vxt::cli::Session;
+
+VXT_Address Linear(uint64_t offset) { return VXT_Address{VXT_ADDRESS_SIZE, 0, 0, offset, VXT_AddressType_Linear}; }
+
+std::vector<uint32_t> ThreadsOf(IInternalService_Device& devices, uint32_t domainId) {
+  uint32_t count = 0;
+  Check(devices.GetNumDescendantIdsForType(domainId, VXT_NodeType_LogicalThread, 0, &count),
+        "GetNumDescendantIdsForType");
+  std::vector<uint32_t> threads(count);
+  if (count > 0)
+    Check(devices.GetDescendantIdsForType(domainId, VXT_NodeType_LogicalThread, 0, count, threads.data()),
+          "GetDescendantIdsForType");
+  if (threads.empty()) throw std::runtime_error("the target domain has no threads to debug");
+  return threads;
+}
+
+// The service's width of a register, from the width GDB gives it.
+uint32_t ServiceBits(const GdbRegister& reg) {
+  const std::string name = reg.serviceName;
+  if (name == "cs" || name == "ss" || name == "ds" || name == "es" || name == "fs" || name == "gs") return 16;
+  return std::max<uint32_t>(reg.bits, 64);
+}
+
+}  // namespace
+
+TargetAccess::TargetAccess(uint32_t domainId)
+    : domainId_(domainId),
+      memory_(Session::Get<IInternalService_Memory>(VXT_Service_Memory)),
+      registers_(Session::Get<IInternalService_Register>(VXT_Service_Register)),
+      runControl_(Session::Get<IInternalService_RunControl>(VXT_Service_RunControl)),
+      breakpoints_(Session::Get<IInternalService_Breakpoint>(VXT_Service_Breakpoint)),
+      receipts_(Session::Get<IInternalService_OperationReceipt>(VXT_Service_OperationReceipt)),
+      bitData_(Session::Get<IInternalService_BitData>(VXT_Service_BitData)),
+      devices_(Session::Get<IInternalService_Device>(VXT_Service_Device)) {
+  threads_ = ThreadsOf(devices_, domainId);
+}
+
+std::string TargetAccess::Describe(uint32_t thread) {
+  char id[16];
+  std::snprintf(id, sizeof id, "0x%08x", thread);
+  std::string text = id;
+  char identifier[VXT_DEVICE_IDENTIFIER_SIZE] = {};
+  if (devices_.GetIdentifierForDeviceId(thread, identifier) == VXT_SUCCESS) {
+    text += ' ';
+    text += identifier;
+  }
+  return text;
+}
+
+std::optional<std::vector<uint8_t>> TargetAccess::Value(uint64_t token) {
+  std::optional<std::vector<uint8_t>> value;
+  VXT_Result failure = 0;
+  uint32_t size = 0;
+  if (receipts_.GetOperationErrorResult(token, &failure) == VXT_SUCCESS && failure == VXT_SUCCESS &&
+      receipts_.GetValueAsRawBytes(token, nullptr, 0, &size) == VXT_SUCCESS) {
+    std::vector<uint8_t> bytes(size);
+    if (size == 0 || receipts_.GetValueAsRawBytes(token, bytes.data(), size, &size) == VXT_SUCCESS) value = bytes;
+  }
+  receipts_.Destroy(token);
+  return value;
+}
+
+bool TargetAccess::Succeeded(uint64_t token) {
+  VXT_Result failure = 0;
+  const bool succeeded = receipts_.GetOperationErrorResult(token, &failure) == VXT_SUCCESS && failure == VXT_SUCCESS;
+  receipts_.Destroy(token);
+  return succeeded;
+}
+
+std::optional<std::vector<uint8_t>> TargetAccess::ReadRegister(uint32_t thread, const GdbRegister& reg) {
+  if (reg.serviceName == nullptr) return std::nullopt;
+  uint64_t token = 0;
+  if (registers_.ReadRegister(thread, reg.serviceName, &token) != VXT_SUCCESS) return std::nullopt;
+  std::optional<std::vector<uint8_t>> value = Value(token);
+  if (value) value->resize(reg.bits / 8, 0);
+  return value;
+}
+
+std::vector<std::optional<std::vector<uint8_t>>> TargetAccess::ReadRegisters(uint32_t thread) {
+  const std::vector<GdbRegister>& table = GdbRegisters();
+  std::vector<const char*> names;
+  std::vector<size_t> indices;
+  for (size_t index = 0; index < table.size(); ++index) {
+    if (table[index].serviceName == nullptr) continue;
+    names.push_back(table[index].serviceName);
+    indices.push_back(index);
+  }
+  std::vector<std::optional<std::vector<uint8_t>>> values(table.size());
+  std::vector<uint64_t> tokens(names.size());
+  if (registers_.ReadRegisters(thread, names.data(), tokens.data(), static_cast<uint32_t>(names.size())) !=
+      VXT_SUCCESS)
+    return values;
+  for (size_t i = 0; i < tokens.size(); ++i) {
+    auto& value = values[indices[i]];
+    value = Value(tokens[i]);
+    if (value) value->resize(table[indices[i]].bits / 8, 0);
+  }
+  return values;
+}
+
+bool TargetAccess::WriteVector(const std::vector<uint8_t>& bytes, uint32_t bits, VXT_BitData& vector) {
+  vector = VXT_BitData{VXT_BITDATA_SIZE, 0, 0};
+  return bitData_.CreateFromRawBits(&vector, bits, bytes.data(), static_cast<uint32_t>(bytes.size())) ==
+         VXT_SUCCESS;
+}
+
+bool TargetAccess::WriteRegister(uint32_t thread, const GdbRegister& reg, const std::vector<uint8_t>& bytes) {
+  if (reg.serviceName == nullptr || bytes.size() != reg.bits / 8) return false;
+  // GDB's width may be wider (segment selectors) or narrower (eflags) than
+  // the register's: the bits beyond the narrower one are zero.
+  const uint32_t bits = ServiceBits(reg);
+  std::vector<uint8_t> value(bytes);
+  value.resize(bits / 8, 0);
+  VXT_BitData vector{};
+  if (!WriteVector(value, bits, vector)) return false;
+  uint64_t token = 0;
+  const bool written =
+      registers_.WriteRegister(thread, reg.serviceName, &vector, &token) == VXT_SUCCESS && Succeeded(token);
+  bitData_.Destroy(&vector);
+  return written;
+}
+
+std::optional<std::vector<uint8_t>> TargetAccess::ReadMemory(uint32_t thread, uint64_t address, uint32_t length) {
+  const VXT_Address where = Linear(address);
+  uint64_t token = 0;
+  if (length == 0) return std::vector<uint8_t>{};
+  if (memory_.ReadMemory(thread, &where, static_cast<int32_t>(length), &token) != VXT_SUCCESS) return std::nullopt;
+  return Value(token);
+}
+
+bool TargetAccess::WriteMemory(uint32_t thread, uint64_t address, const std::vector<uint8_t>& bytes) {
+  if (bytes.empty()) return true;
+  const VXT_Address where = Linear(address);
+  VXT_BitData vector{};
+  if (!WriteVector(bytes, static_cast<uint32_t>(8 * bytes.size()), vector)) return false;
+  uint64_t token = 0;
+  const bool written =
+      memory_.WriteMemory(thread, &where, static_cast<int32_t>(bytes.size()), &vector, &token) == VXT_SUCCESS &&
+      Succeeded(token);
+  bitData_.Destroy(&vector);
+  return written;
+}
+
+bool TargetAccess::HaltAll() {
+  uint64_t token = 0;
+  return runControl_.HaltAllInDomain(domainId_, &token) == VXT_SUCCESS && Succeeded(token);
+}
+
+bool TargetAccess::GoAll() {
+  uint64_t token = 0;
+  return runControl_.GoAllInDomain(domainId_, &token) == VXT_SUCCESS && Succeeded(token);
+}
+
+bool TargetAccess::Go(uint32_t thread) {
+  uint64_t token = 0;
+  return runControl_.Go(thread, &token) == VXT_SUCCESS && Succeeded(token);
+}
+
+bool TargetAccess::Step(uint32_t thread) {
+  uint64_t token = 0;
+  return runControl_.Step(thread, VXT_StepType_Into, 1, &token) == VXT_SUCCESS && Succeeded(token);
+}
+
+std::optional<uint32_t> TargetAccess::AddBreakpoint(VXT_BreakpointType type, uint64_t address,
+                                                    VXT_BreakpointDataSize size) {
+  VXT_Breakpoint record{};
+  record.structureSize = VXT_BREAKPOINT_SHORT_SIZE;
+  record.threadDeviceId = domainId_;
+  record.breakpointType = type;
+  record.dataSize = size;
+  record.breakpointAddress = address;
+  record.enabled = 1;
+  if (breakpoints_.CreateBreakpoint(&record) != VXT_SUCCESS) return std::nullopt;
+  return record.breakpointId;
+}
+
+bool TargetAccess::RemoveBreakpoint(uint32_t breakpointId) {
+  return breakpoints_.RemoveBreakpointById(breakpointId) == VXT_SUCCESS;
+}
+
+}  // namespace vxt::gdb
