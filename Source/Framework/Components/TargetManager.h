@@ -120,6 +120,8 @@ struct TargetManagerComponent {
   // Encrypted debug of a device, on and off; the Jtag component reports it.
   uint32_t (*StartEncryptedDebug)(uint32_t deviceId);
   uint32_t (*StopEncryptedDebug)(uint32_t deviceId);
+  // The name of a core group device (a LogicalGroupCore) into 64 characters.
+  uint32_t (*GetCoreGroupName)(uint32_t deviceId, char* name);
 };
 
 VOXTREL_PLATFORM_API uint32_t Voxtrel_GetTargetManager(const TargetManagerComponent** table);

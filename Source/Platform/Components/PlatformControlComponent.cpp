@@ -2,6 +2,7 @@
 // that call them are built; the getter answers from library load on, as the
 // table is constant.
 #include "PlatformControl.h"
+#include "Components/ResetBreaks.h"
 #include "Support/ComponentCall.h"
 #include "Target/Failure.h"
 
@@ -11,7 +12,14 @@ uint32_t CheckPinChange(uint32_t pinsInterfaceOrDebugPortId, VXT_PinsSignal pins
 
 namespace {
 
-constexpr PlatformControlComponent kPlatformControl{&voxtrel::platform::pins::CheckPinChange};
+constexpr PlatformControlComponent kPlatformControl{
+    &voxtrel::platform::pins::CheckPinChange,
+    // System stalls and reset breaks (ResetBreaks.h)
+    &voxtrel::platform::platform_control::GetNumSystemStalls, &voxtrel::platform::platform_control::GetSystemStalls,
+    &voxtrel::platform::platform_control::GetSystemStall, &voxtrel::platform::platform_control::SetSystemStall,
+    &voxtrel::platform::platform_control::GetResetBreakMode, &voxtrel::platform::platform_control::GetResetBreak,
+    &voxtrel::platform::platform_control::SetResetBreak,
+};
 
 }  // namespace
 

@@ -5,6 +5,7 @@
 #include "Target/PostFailure.h"
 #include "Target/TargetModel.h"
 #include "TargetManager.h"
+#include "TargetManager/CoreGroupName.h"
 #include "TargetManager/DeviceQueries.h"
 #include "TargetManager/TopologyEvents.h"
 
@@ -89,6 +90,7 @@ constexpr TargetManagerComponent kTargetManager{
     &IsDeviceEnabled,
     &jtag::StartEncryptedDebug,
     &jtag::StopEncryptedDebug,
+    &GetCoreGroupName,
 };
 
 }  // namespace

@@ -17,3 +17,5 @@
 #include "IInternalService_Register.h"
 #include "IInternalService_RunControl.h"
 #include "IInternalService_Breakpoint.h"
+#include "IInternalService_RunControlConfiguration.h"
+#include "IInternalService_Break.h"

@@ -17,6 +17,8 @@
 #include "InProc_RunControl.h"
 #include "InProc_Breakpoint.h"
 #include "InProc_BreakpointManagement.h"
+#include "InProc_RunControlConfiguration.h"
+#include "InProc_Break.h"
 #include "VXT_ServiceIds.h"
 
 namespace vxt {
@@ -57,6 +59,10 @@ void* FindService(uint32_t serviceId) {
       return static_cast<IInternalService_I2cAccess*>(&InProc_I2cAccess::Instance());
     case VXT_Service_InterfacePins:
       return static_cast<IInternalService_InterfacePins*>(&InProc_InterfacePins::Instance());
+    case VXT_Service_RunControlConfiguration:
+      return static_cast<IInternalService_RunControlConfiguration*>(&InProc_RunControlConfiguration::Instance());
+    case VXT_Service_Break:
+      return static_cast<IInternalService_Break*>(&InProc_Break::Instance());
     default:
       return nullptr;
   }
