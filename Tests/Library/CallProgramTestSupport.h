@@ -48,6 +48,17 @@ class CallProgramTest : public RunControlTest {
     EXPECT_EQ(registers->ReadRegister(kFirstThread, name, &token), 0) << GetLastErrorMessage();
     return Number(token);
   }
+  // An enabled execution breakpoint of the first thread in the program.
+  VXT_Breakpoint BreakAt(uint64_t offset) {
+    VXT_Breakpoint breakpoint{};
+    breakpoint.structureSize = VXT_BREAKPOINT_SIZE;
+    breakpoint.threadDeviceId = kFirstThread;
+    breakpoint.breakpointType = VXT_BreakpointType_HW_Exec;
+    breakpoint.breakpointAddress = kCode + offset;
+    breakpoint.enabled = 1;
+    EXPECT_EQ(breakpoints->CreateBreakpoint(&breakpoint), 0) << GetLastErrorMessage();
+    return breakpoint;
+  }
   // From `from`, steps of each type in turn: where the thread stands then.
   uint64_t StepFrom(uint64_t from, std::initializer_list<VXT_StepType> types) {
     Set("rip", kCode + from);

@@ -32,13 +32,7 @@ TEST_F(CallProgramTest, ADebuggingSessionTracesAsKept) {
   EXPECT_EQ(Read("rip"), kCode + 0x30);
   Set("rip", kCode);
   Done(runControl->Step(kFirstThread, VXT_StepType_Into, 1, &token), token);
-  VXT_Breakpoint breakpoint{};
-  breakpoint.structureSize = VXT_BREAKPOINT_SIZE;
-  breakpoint.threadDeviceId = kFirstThread;
-  breakpoint.breakpointType = VXT_BreakpointType_HW_Exec;
-  breakpoint.breakpointAddress = kCode + 0x18;
-  breakpoint.enabled = 1;
-  ASSERT_EQ(breakpoints->CreateBreakpoint(&breakpoint), 0) << GetLastErrorMessage();
+  const VXT_Breakpoint breakpoint = BreakAt(0x18);
   Done(runControl->Go(kFirstThread, &token), token);
   ASSERT_NE(stops.Wait(2), "none") << "the breakpoint never hit";
   EXPECT_EQ(BreakType(kFirstThread), "Breakpoint");

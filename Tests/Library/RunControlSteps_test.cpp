@@ -38,13 +38,7 @@ TEST_F(CallProgramTest, ACompoundStepAnnouncesOneStopAndABreakpointEndsIt) {
   EXPECT_EQ(stops.First(), Line("RunControl size=72 type=1 device=", kFirstThread, " address=", kCode + 0x05,
                                 " breakpoint=0 name='' breakType='Step' subType='' details='' extra=0/0"));
 
-  VXT_Breakpoint inside{};
-  inside.structureSize = VXT_BREAKPOINT_SIZE;
-  inside.threadDeviceId = kFirstThread;
-  inside.breakpointType = VXT_BreakpointType_HW_Exec;
-  inside.breakpointAddress = kCode + 0x18;
-  inside.enabled = 1;
-  ASSERT_EQ(breakpoints->CreateBreakpoint(&inside), 0) << GetLastErrorMessage();
+  const VXT_Breakpoint inside = BreakAt(0x18);
   EXPECT_EQ(StepFrom(0x00, {VXT_StepType_Over}), 0x18);
   EXPECT_EQ(BreakType(kFirstThread), "Breakpoint");
   EXPECT_EQ(stops.Wait(1), Line("RunControl size=72 type=32 device=", kFirstThread, " address=", kCode + 0x18,

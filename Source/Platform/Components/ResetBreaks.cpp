@@ -37,15 +37,22 @@ Outcome NotNull(const void* pointer, const char* argument) {
   return Failure{run_control::kInvalidArgument, std::string(argument) + " is a null pointer"};
 }
 
+Outcome NodeTypeOf(uint32_t deviceId, VXT_NodeType& type) {
+  const TargetManagerComponent* targetManager = nullptr;
+  if (Voxtrel_GetTargetManager(&targetManager) != 0 || targetManager->GetNodeType(deviceId, &type) != 0)
+    return Failure{run_control::kUnknownDevice, "there is no device " + HexText(deviceId)};
+  return std::nullopt;
+}
+
 // The device's target domain when it is a target domain or a debug port;
 // `holds` false for any other device.
 Outcome DomainOf(uint32_t deviceId, bool& holds, uint32_t& domainId) {
-  const TargetManagerComponent* targetManager = nullptr;
   VXT_NodeType type = VXT_NodeType_Unknown;
-  if (Voxtrel_GetTargetManager(&targetManager) != 0 || targetManager->GetNodeType(deviceId, &type) != 0)
-    return Failure{run_control::kUnknownDevice, "there is no device " + HexText(deviceId)};
+  if (auto refused = NodeTypeOf(deviceId, type)) return refused;
   holds = type == VXT_NodeType_TargetDomain || type == VXT_NodeType_Debugport;
   domainId = deviceId;
+  const TargetManagerComponent* targetManager = nullptr;
+  Voxtrel_GetTargetManager(&targetManager);
   if (type == VXT_NodeType_Debugport && targetManager->GetAncestorIdForType(deviceId, VXT_NodeType_TargetDomain, &domainId) != 0)
     return Failure{run_control::kUnknownDevice, "debug port " + HexText(deviceId) + " is in no target domain"};
   return std::nullopt;
@@ -133,14 +140,9 @@ uint32_t SetSystemStall(uint32_t debugportOrTargetDomainId, const char* stallNam
 
 uint32_t GetResetBreakMode(uint32_t target, int32_t* mode) {
   VOXTREL_COMPONENT_CALL("PlatformControl.GetResetBreakMode", "target=", HexText(target));
-  bool holds = false;
-  uint32_t domainId = 0;
-  if (const uint32_t refused = VOXTREL_STALL_ANSWER(NotNull(mode, "mode"))) return refused;
-  if (const uint32_t refused = VOXTREL_STALL_ANSWER(DomainOf(target, holds, domainId))) return refused;
-  const TargetManagerComponent* targetManager = nullptr;
   VXT_NodeType type = VXT_NodeType_Unknown;
-  Voxtrel_GetTargetManager(&targetManager);
-  targetManager->GetNodeType(target, &type);
+  if (const uint32_t refused = VOXTREL_STALL_ANSWER(NotNull(mode, "mode"))) return refused;
+  if (const uint32_t refused = VOXTREL_STALL_ANSWER(NodeTypeOf(target, type))) return refused;
   *mode = type == VXT_NodeType_TargetDomain ? 1 : 0;
   return 0;
 }
