@@ -82,6 +82,9 @@ TEST_F(BreakTest, TheCpuBreaksOnHltAndOnAShutdownTheBoardResets) {
   ASSERT_EQ(service->SetBreakCondition(kFirstThread, "Hlt", 1), 0) << GetLastErrorMessage();
   EXPECT_EQ(RunUntilStopped(kCode + 0x40), "Hlt");
   EXPECT_EQ(Read("rip"), kCode + 0x41) << "halted after the HLT";
+  EXPECT_NE(runControl->Step(kFirstThread, VXT_StepType_Over, 1, &token), 0) << "it waits in its HLT";
+  EXPECT_EQ(std::string(GetLastErrorMessage()),
+            "the thread waits at 0x20041 and completes no instruction; only a step into can be made");
   ASSERT_EQ(service->SetBreakCondition(kFirstThread, "Hlt", 0), 0);
 
   EXPECT_EQ(RunUntilStopped(kHole), "Shutdown");

@@ -89,6 +89,12 @@ struct Step {
     return std::nullopt;
   }
 
+  bool AfterHlt(uint64_t linear) {
+    uint8_t previous = 0;
+    const VXT_Address address{VXT_ADDRESS_SIZE, 0, 0, linear - 1, VXT_AddressType_Linear};
+    return !ReadMemoryAt(cpu.backend(), cpu.thread, address, std::span(&previous, 1)) && previous == 0xF4;
+  }
+
   Outcome Instruction(uint64_t& rip, InstructionFlow& flow) {
     uint32_t bits = 64;
     if (auto refused = LinearRip(rip)) return refused;
@@ -188,6 +194,13 @@ struct Step {
       return std::nullopt;
     }
     if (auto refused = Into(went)) return refused;
+    uint64_t now = 0;
+    if (auto refused = LinearRip(now)) return refused;
+    // A thread waiting in HLT completes no instruction. (A REP string
+    // instruction stays in place for one iteration a step, and goes on.)
+    if (went && now == rip && AfterHlt(rip))
+      return Failure{kNotSupported, "the thread waits at " + HexText(rip) +
+                                        " and completes no instruction; only a step into can be made"};
     if (!went || type == VXT_StepType_Over) {
       done = true;
       return std::nullopt;
@@ -196,8 +209,6 @@ struct Step {
       done = flow.kind == FlowKind::Return;
       return std::nullopt;
     }
-    uint64_t now = 0;
-    if (auto refused = LinearRip(now)) return refused;
     done = flow.kind != FlowKind::Sequential && now != rip + flow.length;
     return std::nullopt;
   }
