@@ -113,9 +113,8 @@ TEST_F(RunControlTest, ChecksFailBeforeTheComponent) {
             0u);
   // What the emulated CPUs cannot do is the component's refusal.
   uint64_t token = 0;
-  EXPECT_NE(runControl->Step(kFirstThread, VXT_StepType_Over, 1, &token), 0);
-  EXPECT_EQ(std::string(GetLastErrorMessage()),
-            "step type 2 is not supported: the emulated CPUs step Into (1) only");
+  EXPECT_NE(runControl->Step(kFirstThread, static_cast<VXT_StepType>(9), 1, &token), 0);
+  EXPECT_EQ(std::string(GetLastErrorMessage()), "step type 9 is unknown (1 Into, 2 Over, 3 Out, 4 Branch)");
   EXPECT_NE(runControl->SubmitInstruction(kFirstThread, "nop"), 0);
   EXPECT_EQ(runControl->GetNumOperatingModes(kFirstThread, &count), 0);
   EXPECT_EQ(count, 3u);

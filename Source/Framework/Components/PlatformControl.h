@@ -26,6 +26,18 @@ struct PlatformControlComponent {
                                             VXT_SurvivabilityPreset preset);
   uint32_t (*GetFeatureSurvivabilityPreset)(uint32_t targetDomainId, VXT_TransportFeature feature,
                                             VXT_SurvivabilityPreset* preset);
+
+  // System stalls of a debug port or target domain: named 32-bit values;
+  // names fill 260 characters, a list is a block of them.
+  uint32_t (*GetNumSystemStalls)(uint32_t debugportOrTargetDomainId, uint32_t* numStallNames);
+  uint32_t (*GetSystemStalls)(uint32_t debugportOrTargetDomainId, uint32_t numStallNames, char (*stallNames)[260]);
+  uint32_t (*GetSystemStall)(uint32_t debugportOrTargetDomainId, const char* stallName, uint32_t* value);
+  uint32_t (*SetSystemStall)(uint32_t debugportOrTargetDomainId, const char* stallName, uint32_t value);
+  // The reset break of a device: `mode` 1 when platform control keeps it
+  // there; `value` 0 off, 1 break once after the next reset, 2 after every reset.
+  uint32_t (*GetResetBreakMode)(uint32_t target, int32_t* mode);
+  uint32_t (*GetResetBreak)(uint32_t target, uint32_t* value);
+  uint32_t (*SetResetBreak)(uint32_t target, uint32_t value);
 };
 
 VOXTREL_PLATFORM_API uint32_t Voxtrel_GetPlatformControl(const PlatformControlComponent** table);

@@ -122,7 +122,47 @@ struct RunControlComponent {
   uint32_t (*EnableAllBreakpoints)(uint32_t targetDomainId);
   uint32_t (*DisableBreakpoint)(uint32_t breakpointId);
   uint32_t (*DisableAllBreakpoints)(uint32_t targetDomainId);
+
+  // --- Run control configuration of a core group (a LogicalGroupCore) -----
+  // Method names fill kMethodNameSize characters; a list is a block of them.
+  // `enabled` values: non-zero means true.
+  uint32_t (*GetStepMode)(uint32_t coreGroupId, VXT_StepMode* stepMode);
+  uint32_t (*SetStepMode)(uint32_t coreGroupId, VXT_StepMode stepMode);
+  uint32_t (*GetNumProbeModeEntryMethods)(uint32_t coreGroupId, uint32_t* methodCount);
+  uint32_t (*GetProbeModeEntryMethods)(uint32_t coreGroupId, uint32_t maxMethodCount, char (*methodNames)[64]);
+  uint32_t (*GetProbeModeEntryMethod)(uint32_t coreGroupId, char* methodName);
+  uint32_t (*SetProbeModeEntryMethod)(uint32_t coreGroupId, const char* methodName);
+  uint32_t (*GetNumProbeModeExitMethods)(uint32_t coreGroupId, uint32_t* methodCount);
+  uint32_t (*GetProbeModeExitMethods)(uint32_t coreGroupId, uint32_t maxMethodCount, char (*methodNames)[64]);
+  uint32_t (*GetProbeModeExitMethod)(uint32_t coreGroupId, char* methodName);
+  uint32_t (*SetProbeModeExitMethod)(uint32_t coreGroupId, const char* methodName);
+  uint32_t (*GetNumProbeModeDetectMethods)(uint32_t coreGroupId, uint32_t* methodCount);
+  uint32_t (*GetProbeModeDetectMethods)(uint32_t coreGroupId, uint32_t maxMethodCount, char (*methodNames)[64]);
+  uint32_t (*GetProbeModeDetectMethod)(uint32_t coreGroupId, char* methodName);
+  uint32_t (*SetProbeModeDetectMethod)(uint32_t coreGroupId, const char* methodName);
+  uint32_t (*GetNumInterestingThreads)(uint32_t coreGroupId, uint32_t* threadCount);
+  uint32_t (*GetInterestingThreads)(uint32_t coreGroupId, uint32_t threadCount, uint32_t* threadIds);
+  uint32_t (*SetInterestingThreads)(uint32_t coreGroupId, uint32_t threadCount, const uint32_t* threadIds);
+  uint32_t (*GetProbeModeRedirectionMode)(uint32_t coreGroupId, int32_t* mode);
+  uint32_t (*SetProbeModeRedirectionMode)(uint32_t coreGroupId, int32_t mode);
+  uint32_t (*GetStepIntoExceptionEnabled)(uint32_t coreGroupId, uint32_t* enabled);
+  uint32_t (*StepIntoExceptionEnabled)(uint32_t coreGroupId, uint32_t enabled);
+  uint32_t (*SetRunControlEnabled)(uint32_t coreGroupId, uint32_t enabled);
+  uint32_t (*IsRunControlEnabled)(uint32_t coreGroupId, uint32_t* enabled);
+
+  // --- Break conditions of a device (named 32-bit values) -----------------
+  // Names fill kBreakNameSize characters; a list is a block of them, and the
+  // entries past the component's own names are left as they were.
+  uint32_t (*GetNumBreakConditions)(uint32_t deviceId, uint32_t* numBreakNames);
+  uint32_t (*GetBreakConditions)(uint32_t deviceId, uint32_t numBreakNames, char (*breakNames)[260]);
+  uint32_t (*GetBreakCondition)(uint32_t deviceId, const char* breakName, uint32_t* value);
+  uint32_t (*SetBreakCondition)(uint32_t deviceId, const char* breakName, uint32_t value);
 };
+
+// Characters of a probe mode method name, terminating zero included.
+inline constexpr uint32_t kMethodNameSize = 64;
+// Characters of a break condition or system stall name, terminating zero included.
+inline constexpr uint32_t kBreakNameSize = 260;
 
 // Characters of a break type or subtype text, terminating zero included.
 inline constexpr uint32_t kBreakTextSize = 64;

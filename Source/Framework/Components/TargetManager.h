@@ -156,6 +156,8 @@ struct TargetManagerComponent {
   uint32_t (*GetAvailableScenarioCount)(uint32_t* scenarioCount);
   uint32_t (*GetAvailableScenarios)(uint32_t maxScenarioCount, char* scenarioNames);
   uint32_t (*SelectScenario)(const char* scenarioName);
+  // The name of a core group device (a LogicalGroupCore) into 64 characters.
+  uint32_t (*GetCoreGroupName)(uint32_t deviceId, char* name);
 };
 
 VOXTREL_PLATFORM_API uint32_t Voxtrel_GetTargetManager(const TargetManagerComponent** table);

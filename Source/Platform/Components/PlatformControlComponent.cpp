@@ -2,6 +2,7 @@
 // that call them are built; the getter answers from library load on, as the
 // table is constant.
 #include "PlatformControl.h"
+#include "Components/ResetBreaks.h"
 #include "PlatformControl/PlatformControlOperations.h"
 #include "Support/ComponentCall.h"
 #include "Target/Failure.h"
@@ -20,7 +21,15 @@ constexpr PlatformControlComponent kPlatformControl{&voxtrel::platform::pins::Ch
                                                     &control::SetPreferHighBandwidthTransports,
                                                     &control::GetPreferHighBandwidthTransports,
                                                     &control::SetFeatureSurvivabilityPreset,
-                                                    &control::GetFeatureSurvivabilityPreset};
+                                                    &control::GetFeatureSurvivabilityPreset,
+                                                    // System stalls and reset breaks (ResetBreaks.h)
+                                                    &control::GetNumSystemStalls,
+                                                    &control::GetSystemStalls,
+                                                    &control::GetSystemStall,
+                                                    &control::SetSystemStall,
+                                                    &control::GetResetBreakMode,
+                                                    &control::GetResetBreak,
+                                                    &control::SetResetBreak};
 
 }  // namespace
 

@@ -119,6 +119,14 @@ class CpuBackend {
   // breakpoints kept, IO devices reset.
   virtual CpuResult Reset(ResetMode mode) = 0;
 
+  // Whether the thread halts (reason Hlt, at the instruction after the HLT)
+  // instead of waiting when it executes HLT. Off after construction.
+  virtual CpuResult SetBreakOnHlt(uint32_t thread, bool on) {
+    (void)thread;
+    (void)on;
+    return CpuResult::Unavailable;
+  }
+
   // Stops execution for good and waits until the backend's own thread has
   // ended; every later call answers Unavailable (GetRunState: Halted).
   // CpuDomains calls it when the RunControl component is uninitialized.

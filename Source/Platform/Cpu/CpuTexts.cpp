@@ -50,6 +50,8 @@ std::string_view StopReasonText(StopReason reason) {
       return "Reset";
     case StopReason::Shutdown:
       return "Shutdown";
+    case StopReason::Hlt:
+      return "Hlt";
   }
   return "Unknown";
 }

@@ -53,6 +53,7 @@ enum class StopReason : uint8_t {
   DataBreakpoint,       // Just completed an access that a data breakpoint covers
   Reset,                // Reset with HaltAfterReset: stopped at the reset vector
   Shutdown,             // The engine cannot go on (invalid instruction, fetch from a hole, triple fault)
+  Hlt,                  // Executed HLT while it breaks on HLT (SetBreakOnHlt): stopped after it
 };
 
 std::string_view StopReasonText(StopReason reason);

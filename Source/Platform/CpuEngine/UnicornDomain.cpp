@@ -257,7 +257,11 @@ bool UnicornDomain::RunSlice(Thread& thread, bool stepping) {
     Report({thread.index, StopReason::Shutdown, LinearRip(thread), 0, 0});
     return true;
   }
-  if (!stopped_) thread.waiting = true;  // HLT: it waits for an interrupt, which nothing here sends
+  if (!stopped_) {
+    // HLT: it waits for an interrupt, which nothing here sends, or breaks.
+    thread.waiting = true;
+    if (thread.breakOnHlt && !stopEvent_) stopEvent_ = StopEvent{thread.index, StopReason::Hlt, LinearRip(thread), 0, 0};
+  }
   if (!stopEvent_ && thread.pendingData) {
     stopEvent_ = thread.pendingData;
     stopEvent_->address = LinearRip(thread);
@@ -773,6 +777,15 @@ CpuResult UnicornDomain::Reset(ResetMode mode) {
     if (mode == ResetMode::HaltAfterReset)
       for (uint32_t index = 0; index < threads_.size(); ++index)
         Report({index, StopReason::Reset, LinearRip(*FindThread(index)), 0, 0});
+    return CpuResult::Ok;
+  });
+}
+
+CpuResult UnicornDomain::SetBreakOnHlt(uint32_t thread, bool on) {
+  return Serve([&] {
+    Thread* found = FindThread(thread);
+    if (!found) return CpuResult::UnknownThread;
+    found->breakOnHlt = on;
     return CpuResult::Ok;
   });
 }

@@ -66,6 +66,7 @@ class UnicornDomain final : public CpuBackend {
   uint32_t AddStopListener(StopListener listener) override;
   void RemoveStopListener(uint32_t id) override;
   CpuResult Reset(ResetMode mode) override;
+  CpuResult SetBreakOnHlt(uint32_t thread, bool on) override;
   void Shutdown() override;
 
   // Blocks per slice: about 100 µs of firmware.
@@ -83,6 +84,7 @@ class UnicornDomain final : public CpuBackend {
     uc_engine* uc = nullptr;
     RunState state = RunState::Running;
     bool waiting = false;                  // Executed HLT; nothing wakes it but a reset or a new rip
+    bool breakOnHlt = false;               // Halts instead of waiting when it executes HLT
     std::optional<uint64_t> skipAddress;   // Resumed here: an execution breakpoint lets it pass once
     std::optional<StopEvent> pendingData;  // A data breakpoint hit; stop before the next instruction
     std::vector<uc_hook> hooks;            // For the life of the engine

@@ -4,7 +4,10 @@
 #include "Cpu/CpuDomains.h"
 #include "RunControl/RunControlOperations.h"
 #include "RunControl/RunControlState.h"
+#include "Components/ResetBreaks.h"
+#include "RunControl/BreakConditions.h"
 #include "RunControl/BreakpointRegistry.h"
+#include "RunControl/ConfigurationOperations.h"
 #include "RunControl/RunOperations.h"
 #include "RunControl/StopRecords.h"
 #include "Support/ComponentCall.h"
@@ -27,6 +30,9 @@ uint32_t Initialize() {
     return VOXTREL_POST_FAILURE(*refused);
   }
   ForgetBreakpoints();
+  ForgetConfiguration();
+  ForgetBreakConditions();
+  platform_control::ForgetResetBreaksAndStalls();
   ListenToStops();
   return 0;
 }
@@ -58,6 +64,15 @@ constexpr RunControlComponent kRunControl{
     &CreateBreakpoint, &CreateBreakpoints, &RemoveBreakpoint, &RemoveBreakpoints, &RemoveBreakpointsById,
     &GetBreakAllSetting, &SetBreakAllSetting, &GetNumBreakpoints, &GetBreakpointIds, &GetBreakpoint,
     &ChangeBreakpoint, &EnableBreakpoint, &EnableAllBreakpoints, &DisableBreakpoint, &DisableAllBreakpoints,
+    // Run control configuration
+    &GetStepMode, &SetStepMode, &GetNumProbeModeEntryMethods, &GetProbeModeEntryMethods, &GetProbeModeEntryMethod,
+    &SetProbeModeEntryMethod, &GetNumProbeModeExitMethods, &GetProbeModeExitMethods, &GetProbeModeExitMethod,
+    &SetProbeModeExitMethod, &GetNumProbeModeDetectMethods, &GetProbeModeDetectMethods, &GetProbeModeDetectMethod,
+    &SetProbeModeDetectMethod, &GetNumInterestingThreads, &GetInterestingThreads, &SetInterestingThreads,
+    &GetProbeModeRedirectionMode, &SetProbeModeRedirectionMode, &GetStepIntoExceptionEnabled,
+    &StepIntoExceptionEnabled, &SetRunControlEnabled, &IsRunControlEnabled,
+    // Break conditions
+    &GetNumBreakConditions, &GetBreakConditions, &GetBreakCondition, &SetBreakCondition,
 };
 
 }  // namespace

@@ -9,6 +9,8 @@
 #include "MemoryAccess.h"
 #include "OperationResult.h"
 #include "RunControlCodes.h"
+#include "ConfigurationOperations.h"
+#include "StepMethods.h"
 #include "Support/ComponentCall.h"
 
 namespace voxtrel::platform::run_control {
@@ -24,6 +26,7 @@ Outcome OnEachThread(uint32_t deviceId, ThreadCall call, const char* what, uint6
   cpu::CpuSelection selection;
   if (auto refused = CheckNotNull(operationToken, "operationToken")) return refused;
   if (auto refused = FindThreads(deviceId, selection)) return refused;
+  if (auto refused = CheckRunControlEnabled(selection)) return refused;
   for (const uint32_t thread : selection.threadIndices) {
     if (const auto result = (selection.domain->backend.get()->*call)(thread); result != cpu::CpuResult::Ok)
       return CpuFailure(result, std::string(what) + " thread " + std::to_string(thread) + " of device " + HexText(deviceId));
@@ -92,19 +95,18 @@ Outcome DomainStatus(uint32_t targetDomainId, VXT_RunStatus* status) {
   return Summary(*domain, threads, *status);
 }
 
-// Into steps one instruction at a time; the other kinds need a stop at an
-// address found by decoding, which the backend does not offer.
+// Steps of any kind, each one as StepMethods.h has it; a stop of another
+// kind on the way ends them.
 Outcome StepWork(uint32_t deviceId, VXT_StepType stepType, int32_t numSteps, uint64_t* operationToken) {
   CpuThread cpu;
   if (auto refused = CheckNotNull(operationToken, "operationToken")) return refused;
-  if (stepType != VXT_StepType_Into)
-    return Failure{kNotSupported, "step type " + std::to_string(stepType) +
-                                      " is not supported: the emulated CPUs step Into (1) only"};
   if (numSteps < 1) return Failure{kValueOutOfRange, "numSteps " + std::to_string(numSteps) + " is less than 1"};
   if (auto refused = FindThread(deviceId, cpu)) return refused;
-  for (int32_t i = 0; i < numSteps; ++i) {
-    if (const auto result = cpu.backend().Step(cpu.thread); result != cpu::CpuResult::Ok)
-      return CpuFailure(result, "stepping device " + HexText(deviceId));
+  if (auto refused = CheckRunControlEnabled(cpu::CpuSelection{cpu::LookupResult::Ok, cpu.domain, {cpu.thread}}))
+    return refused;
+  bool interrupted = false;
+  for (int32_t i = 0; i < numSteps && !interrupted; ++i) {
+    if (auto refused = StepThread(cpu, stepType, interrupted)) return refused;
   }
   GiveCompleted(operationToken);
   return std::nullopt;

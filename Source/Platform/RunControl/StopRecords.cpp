@@ -4,7 +4,9 @@
 #include <unordered_map>
 
 #include "../Events/RunControlEvent.h"
+#include "BreakConditions.h"
 #include "BreakpointRegistry.h"
+#include "StepMethods.h"
 
 namespace voxtrel::platform::run_control {
 namespace {
@@ -13,7 +15,9 @@ namespace {
 std::mutex recordsMutex;
 std::unordered_map<uint32_t, StopRecord> records;
 
-void Record(const cpu::CpuDomain& domain, const cpu::StopEvent& stop) {
+}  // namespace
+
+void AnnounceStop(const cpu::CpuDomain& domain, const cpu::StopEvent& stop) {
   const uint32_t threadDeviceId = domain.threadDeviceIds[stop.threadIndex];
   StopRecord record = MakeStopRecord(stop);
   if (stop.breakpointId != 0) record.breakpointId = ComponentBreakpointId(domain.targetDomainId, stop.breakpointId);
@@ -31,8 +35,6 @@ void Record(const cpu::CpuDomain& domain, const cpu::StopEvent& stop) {
   fields.extraValue = stop.dataAddress;
   events::PublishRunControlEvent(StopEventName(stop.reason), fields);
 }
-
-}  // namespace
 
 StopRecord MakeStopRecord(const cpu::StopEvent& stop) {
   StopRecord record;
@@ -79,7 +81,10 @@ void ListenToStops() {
     // must not hold the domain itself.
     const cpu::CpuDomain* self = domain.get();
     domain->backend->AddStopListener([self](const cpu::StopEvent& stop) {
-      if (stop.threadIndex < self->threadDeviceIds.size()) Record(*self, stop);
+      // A compound step announces its own end; its inner stops stay quiet.
+      // A shutdown that resets the board is no stop of the thread.
+      if (stop.threadIndex >= self->threadDeviceIds.size() || IsQuietStop(*self, stop)) return;
+      if (!ResetOnShutdown(*self, stop)) AnnounceStop(*self, stop);
     });
   }
 }

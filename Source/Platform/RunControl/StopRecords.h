@@ -22,6 +22,10 @@ struct StopRecord {
 // domains have started) and forgets those of an earlier start.
 void ListenToStops();
 
+// Keeps the stop as the thread's record and publishes its "RunControl"
+// event, with no lock held.
+void AnnounceStop(const cpu::CpuDomain& domain, const cpu::StopEvent& stop);
+
 // The thread device's record; false for a device that never stopped.
 bool LastStop(uint32_t threadDeviceId, StopRecord& record);
 

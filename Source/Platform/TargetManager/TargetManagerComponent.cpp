@@ -5,6 +5,7 @@
 #include "Target/PostFailure.h"
 #include "Target/TargetModel.h"
 #include "TargetManager.h"
+#include "TargetManager/CoreGroupName.h"
 #include "TargetManager/DeviceQueries.h"
 #include "TargetManager/TopologyEvents.h"
 
@@ -106,6 +107,7 @@ constexpr TargetManagerComponent kTargetManager{
     &GetAvailableScenarioCount,
     &GetAvailableScenarios,
     &SelectScenario,
+    &GetCoreGroupName,
 };
 
 }  // namespace

@@ -24,3 +24,5 @@
 #include "IInternalService_Precondition.h"
 #include "IInternalService_DeviceControl.h"
 #include "IInternalService_Initialization.h"
+#include "IInternalService_RunControlConfiguration.h"
+#include "IInternalService_Break.h"

@@ -24,6 +24,8 @@
 #include "InProc_PlatformControl.h"
 #include "InProc_Precondition.h"
 #include "InProc_BreakpointManagement.h"
+#include "InProc_RunControlConfiguration.h"
+#include "InProc_Break.h"
 #include "VXT_ServiceIds.h"
 
 namespace vxt {
@@ -78,6 +80,10 @@ void* FindService(uint32_t serviceId) {
       return static_cast<IInternalService_DeviceControl*>(&InProc_DeviceControl::Instance());
     case VXT_Service_Initialization:
       return static_cast<IInternalService_Initialization*>(&InProc_Initialization::Instance());
+    case VXT_Service_RunControlConfiguration:
+      return static_cast<IInternalService_RunControlConfiguration*>(&InProc_RunControlConfiguration::Instance());
+    case VXT_Service_Break:
+      return static_cast<IInternalService_Break*>(&InProc_Break::Instance());
     default:
       return nullptr;
   }
