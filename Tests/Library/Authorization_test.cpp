@@ -114,7 +114,9 @@ TEST_F(AuthorizationTest, CredentialsAndLevelsAreJudgedAndGateMsrWrites) {
        "Authorization.Authorize: the credentials held do not grant level \"Manufacturing\""},
   };
   for (const Step& step : steps) {
-    if (step.user != nullptr) ASSERT_EQ(authorization->SetCredentials(step.user, step.password), 0);
+    if (step.user != nullptr) {
+      ASSERT_EQ(authorization->SetCredentials(step.user, step.password), 0);
+    }
     EXPECT_EQ(authorization->Authorize(kTargetDomain, step.level), step.result) << step.level;
     EXPECT_EQ(std::string(GetLastErrorMessage()), step.message);
     EXPECT_EQ(Level(), "Public");

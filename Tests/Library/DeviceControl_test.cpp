@@ -134,7 +134,9 @@ TEST_F(DeviceControlTest, Refusals) {
   for (const Refusal& refusal : refusals) {
     EXPECT_EQ(refusal.call(), refusal.result) << refusal.message;
     // An empty text leaves the code's standing message.
-    if (!refusal.message.empty()) EXPECT_EQ(std::string(GetLastErrorMessage()), refusal.message);
+    if (!refusal.message.empty()) {
+      EXPECT_EQ(std::string(GetLastErrorMessage()), refusal.message);
+    }
   }
   EXPECT_EQ(control->GetDeviceConfigOptions(kTargetDomain, "CacheMode", 1, names[0]), 0);
   EXPECT_EQ(std::string(names[0]), "WriteBack");

@@ -12,7 +12,7 @@
 
 #include "CommandRegistry.h"
 #include "NumberArguments.h"
-#include "TargetAccess.h"
+#include "TargetCalls.h"
 
 namespace vxt::cli {
 namespace {
@@ -25,7 +25,7 @@ struct CodeAccess {
         memory(Session::Get<IInternalService_Memory>(VXT_Service_Memory)),
         assembler(Session::Get<IInternalService_AsmDasm>(VXT_Service_AsmDasm)),
         receipts(Session::Get<IInternalService_OperationReceipt>(VXT_Service_OperationReceipt)),
-        threadId(ThreadNamed(Session::Get<IInternalService_Device>(VXT_Service_Device), thread)) {}
+        threadId(LogicalThreadNamed(Session::Get<IInternalService_Device>(VXT_Service_Device), thread)) {}
 
   VXT_Address Address(const std::string& text) const { return ParseAddress(memory, text); }
   uint64_t Rip() const {

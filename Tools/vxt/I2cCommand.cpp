@@ -15,7 +15,7 @@
 #include "CommandRegistry.h"
 #include "DeviceNames.h"
 #include "NumberArguments.h"
-#include "TargetAccess.h"
+#include "TargetCalls.h"
 
 namespace vxt::cli {
 namespace {

@@ -15,7 +15,7 @@
 
 #include "CommandRegistry.h"
 #include "NumberArguments.h"
-#include "TargetAccess.h"
+#include "TargetCalls.h"
 
 namespace vxt::cli {
 namespace {
@@ -27,7 +27,7 @@ struct MemoryAccess {
       : session(options),
         memory(Session::Get<IInternalService_Memory>(VXT_Service_Memory)),
         receipts(Session::Get<IInternalService_OperationReceipt>(VXT_Service_OperationReceipt)),
-        threadId(ThreadNamed(Session::Get<IInternalService_Device>(VXT_Service_Device), thread)) {}
+        threadId(LogicalThreadNamed(Session::Get<IInternalService_Device>(VXT_Service_Device), thread)) {}
 
   VXT_Address Address(const std::string& text) const { return ParseAddress(memory, text); }
 

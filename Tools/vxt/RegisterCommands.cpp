@@ -14,7 +14,7 @@
 
 #include "CommandRegistry.h"
 #include "NumberArguments.h"
-#include "TargetAccess.h"
+#include "TargetCalls.h"
 
 namespace vxt::cli {
 namespace {
@@ -25,7 +25,7 @@ struct RegisterAccess {
         registers(Session::Get<IInternalService_Register>(VXT_Service_Register)),
         receipts(Session::Get<IInternalService_OperationReceipt>(VXT_Service_OperationReceipt)),
         bits(Session::Get<IInternalService_BitData>(VXT_Service_BitData)),
-        threadId(ThreadNamed(Session::Get<IInternalService_Device>(VXT_Service_Device), thread)) {}
+        threadId(LogicalThreadNamed(Session::Get<IInternalService_Device>(VXT_Service_Device), thread)) {}
 
   std::vector<std::string> Names() const {
     uint32_t count = 0;

@@ -66,6 +66,7 @@ const char* StopEventName(cpu::StopReason reason) {
       return "Stop";
     case cpu::StopReason::Step:
     case cpu::StopReason::Reset:
+    case cpu::StopReason::Hlt:
       break;
   }
   return "Break";

@@ -11,10 +11,9 @@
 
 namespace vxt::cli {
 
-// The thread a user names ("Thread0", "0x03000000"); with no name, the first
-// LogicalThread of the first target domain that has threads. Throws when the
-// name is no thread.
-uint32_t ThreadNamed(IInternalService_Device& devices, const std::string& name);
+// The LogicalThread a user names ("Thread0_1", "0x03000001"); with no name,
+// the target's first thread. Throws when the name is no thread.
+uint32_t LogicalThreadNamed(IInternalService_Device& devices, const std::string& name);
 
 // Waits for the operation and destroys its token. Its value's bytes, if it
 // has a value; throws std::runtime_error with the operation's own message

@@ -1,31 +1,20 @@
-#include "TargetAccess.h"
+#include "TargetCalls.h"
 
 #include <cstdio>
 #include <stdexcept>
 
 #include "DeviceNames.h"
+#include "ThreadView.h"
 #include "Session.h"
 
 namespace vxt::cli {
 
-uint32_t ThreadNamed(IInternalService_Device& devices, const std::string& name) {
-  if (!name.empty()) {
-    const uint32_t id = ResolveDevice(devices, name);
-    VXT_NodeType type = VXT_NodeType_Unknown;
-    Check(devices.GetNodeType(id, &type), "GetNodeType");
-    if (type != VXT_NodeType_LogicalThread) throw std::runtime_error("'" + name + "' is no LogicalThread");
-    return id;
-  }
-  const VXT_NodeType threadType = VXT_NodeType_LogicalThread;
-  for (uint32_t domain : ReadTargetDomains(devices).ids) {
-    uint32_t count = 0;
-    Check(devices.GetNumDeviceIdsOfTypes(domain, 1, &threadType, &count), "GetNumDeviceIdsOfTypes");
-    if (count == 0) continue;
-    std::vector<uint32_t> threads(count);
-    Check(devices.GetDeviceIdsOfTypes(domain, 1, &threadType, count, threads.data()), "GetDeviceIdsOfTypes");
-    return threads.front();
-  }
-  throw std::runtime_error("the target has no LogicalThread");
+uint32_t LogicalThreadNamed(IInternalService_Device& devices, const std::string& name) {
+  const uint32_t id = ThreadNamed(devices, name);
+  VXT_NodeType type = VXT_NodeType_Unknown;
+  Check(devices.GetNodeType(id, &type), "GetNodeType");
+  if (type != VXT_NodeType_LogicalThread) throw std::runtime_error("'" + name + "' is no LogicalThread");
+  return id;
 }
 
 bool TryOutcome(IInternalService_OperationReceipt& receipts, uint64_t token, std::vector<uint8_t>& bytes,
