@@ -10,6 +10,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libunicorn-dev libzydis-dev libzycore-dev binutils libedit-dev
   libcrypt-dev openocd gdb pkg-config tmux gcovr
+  clang-14 libclang-rt-14-dev
 )
 
 missing=()
