@@ -120,6 +120,11 @@ TEST_F(ProbeInitializationTest, AChainShowsItsTapControllersOnceItsProbeIsInitia
   std::strcpy(one.deviceType, "CPU");
   std::strcpy(one.deviceSubType, "CoreComplex");
   std::strcpy(one.stepping, "B0");
+  one.irLength = 65;
+  EXPECT_EQ(init->SpecifyTapControllers(kChain, 1, &one), static_cast<VXT_Result>(0x80000002));
+  EXPECT_EQ(std::string(GetLastErrorMessage()),
+            "TargetManager.SpecifyTapControllers was given tapControllers[0] with irLength 65; an instruction "
+            "register has 2 to 64 bits");
   one.irLength = 8;
   ASSERT_EQ(init->SpecifyTapControllers(kChain, 1, &one), 0) << GetLastErrorMessage();
   EXPECT_EQ(Discovered(), 1u);

@@ -74,24 +74,39 @@ Context* Find(ContextStack& stack, uint64_t id) {
 }  // namespace
 
 // Every call of the library enters and exits a context: each looks up the
-// thread's data once.
-uint64_t EnterContext() {
-  ThreadContexts& thread = self;
+// thread's data once. The common case (an id left in the thread's block, room
+// on its stack) is kept apart from the rest, so that it saves no registers
+// it does not use.
+[[gnu::noinline, gnu::cold]] static uint64_t EnterContextSlowly(ThreadContexts& thread) {
   const uint64_t id = NextId(thread);
   if (ContextStack* stack = ThreadStack(thread)) stack->emplace_back(id);
   return id;
+}
+
+uint64_t EnterContext() {
+  ThreadContexts& thread = self;
+  ContextStack* stack = thread.stack;
+  if (thread.nextId == thread.blockEnd || stack == nullptr || stack->size() == stack->capacity()) [[unlikely]]
+    return EnterContextSlowly(thread);
+  const uint64_t id = thread.nextId++;
+  stack->emplace_back(id);
+  return id;
+}
+
+[[gnu::noinline]] static void ExitContextsOpenedInside(ContextStack& stack, uint64_t id) {
+  const auto found = std::find_if(stack.begin(), stack.end(), [&](const Context& c) { return c.id == id; });
+  stack.erase(found, stack.end());
 }
 
 void ExitContext(uint64_t id) {
   ContextStack* stack = self.stack;
   if (stack == nullptr || stack->empty()) return;
   // Contexts close in the order they opened, nearly always.
-  if (stack->back().id == id) {
+  if (stack->back().id == id) [[likely]] {
     stack->pop_back();
     return;
   }
-  const auto found = std::find_if(stack->begin(), stack->end(), [&](const Context& c) { return c.id == id; });
-  stack->erase(found, stack->end());
+  ExitContextsOpenedInside(*stack, id);
 }
 
 void Post(uint32_t code, const char* text) {

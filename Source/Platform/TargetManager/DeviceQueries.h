@@ -83,6 +83,10 @@ std::vector<target::TapControllerSpecification> TapControllersOnChain(const targ
                                                                       const target::Node& chain);
 uint32_t SpecifyTopology(uint32_t jtagChainId, uint32_t tapControllerCount,
                          const TargetManager_TapController* tapControllers);
+// What SpecifyTopology and SpecifyTapControllers both do; `operation` names
+// the call and its refusals.
+uint32_t ReplaceTapControllers(const char* operation, uint32_t jtagChainId, uint32_t tapControllerCount,
+                               const TargetManager_TapController* tapControllers);
 uint32_t SetDeviceEnabled(uint32_t deviceId, bool enabled);
 uint32_t IsDeviceEnabled(uint32_t deviceId, bool* enabled);
 

@@ -342,8 +342,7 @@ uint32_t SelectScenario(const char* scenarioName) {
 
 uint32_t SpecifyTapControllers(uint32_t jtagChainId, uint32_t tapControllerCount,
                                const TargetManager_TapController* tapControllers) {
-  VOXTREL_COMPONENT_CALL("TargetManager.SpecifyTapControllers", "jtagChainId=", HexId(jtagChainId));
-  return SpecifyTopology(jtagChainId, tapControllerCount, tapControllers);
+  return ReplaceTapControllers("TargetManager.SpecifyTapControllers", jtagChainId, tapControllerCount, tapControllers);
 }
 
 }  // namespace voxtrel::platform::target_manager

@@ -113,6 +113,11 @@ uint32_t IsDeviceEnabled(uint32_t deviceId, bool* enabled) {
 
 uint32_t SpecifyTopology(uint32_t jtagChainId, uint32_t tapControllerCount,
                          const TargetManager_TapController* tapControllers) {
+  return ReplaceTapControllers("TargetManager.SpecifyTopology", jtagChainId, tapControllerCount, tapControllers);
+}
+
+uint32_t ReplaceTapControllers(const char* operation, uint32_t jtagChainId, uint32_t tapControllerCount,
+                               const TargetManager_TapController* tapControllers) {
   std::vector<TapControllerSpecification> declared;
   if (tapControllers != nullptr) {
     for (uint32_t index = 0; index < tapControllerCount; ++index) {
@@ -121,7 +126,7 @@ uint32_t SpecifyTopology(uint32_t jtagChainId, uint32_t tapControllerCount,
           {FieldText(record.deviceType), FieldText(record.deviceSubType), FieldText(record.stepping), record.irLength});
     }
   }
-  VOXTREL_COMPONENT_CALL("TargetManager.SpecifyTopology", "jtagChainId=", HexId(jtagChainId),
+  VOXTREL_COMPONENT_CALL(operation, "jtagChainId=", HexId(jtagChainId),
                          ", tapControllerCount=", tapControllerCount, ", tapControllers=", [&] {
                            if (tapControllers == nullptr) return std::string("<NULL>");
                            std::string text;
@@ -130,7 +135,7 @@ uint32_t SpecifyTopology(uint32_t jtagChainId, uint32_t tapControllerCount,
                                      tap.stepping + "/" + std::to_string(tap.irLength) + "}";
                            return text;
                          }());
-  Request request("TargetManager.SpecifyTopology");
+  Request request(operation);
   if (tapControllerCount > 0) request.NotNull(tapControllers, "tapControllers");
   const Node* chain = request.DeviceOfType(jtagChainId, NodeType::JTAGScanChain);
   if (chain == nullptr) return request.code();

@@ -213,6 +213,16 @@ struct OutLine {
 
 namespace detail {
 
+// A failed call's error line and last error; its public code. Kept out of
+// line, as every operation's frame would otherwise carry it.
+[[gnu::noinline]] inline int32_t ReportFailedCall(const ServiceLogger& logger, Voxtrel_ErrorContext context,
+                                                  uint32_t code) {
+  const std::string message = MessageForCode(context, code);
+  if (!message.empty()) TraceLine(logger, 2, "VXT Error = '", message, "'", kTrailer);
+  ReportErrorMessage(nullptr, message.c_str());
+  return TranslateErrorCode(code);
+}
+
 template <class Body>
 void RunBodyUncaught(Call& call, Body& body) {
   if constexpr (std::is_void_v<std::invoke_result_t<Body&, Call&>>) {
@@ -243,10 +253,7 @@ int32_t RunInContext(const ServiceLogger& logger, const OperationSite& site, Vox
   if (call.passedPublicCode()) {
     publicCode = *call.passedPublicCode();
   } else if (call.failed()) {
-    publicCode = TranslateErrorCode(call.code());
-    const std::string message = MessageForCode(context, call.code());
-    if (!message.empty()) TraceLine(logger, 2, "VXT Error = '", message, "'", kTrailer);
-    ReportErrorMessage(nullptr, message.c_str());
+    publicCode = ReportFailedCall(logger, context, call.code());
   }
 
   if (site.outTrailer) {

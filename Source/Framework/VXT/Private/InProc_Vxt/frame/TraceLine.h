@@ -38,8 +38,10 @@ struct ClientIdTrailer {
 };
 inline constexpr ClientIdTrailer kTrailer{};
 
+// Out of line, so that a call whose trace is off does not carry the
+// rendering's stack and registers.
 template <class... Pieces>
-void RenderAndLog(const ServiceLogger& logger, uint32_t level, int32_t nesting, const Pieces&... pieces) {
+[[gnu::noinline]] void RenderAndLog(const ServiceLogger& logger, uint32_t level, int32_t nesting, const Pieces&... pieces) {
   LineStream line;
   (line.stream() << ... << pieces);
   Voxtrel_LoggingLog(logger.handle, level, line.c_str(), nesting);
