@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "AwaitReceipt.h"
+#include "TargetCalls.h"
 #include "CommandRegistry.h"
 #include "DeviceNames.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "AwaitReceipt.h"
+#include "TargetCalls.h"
 #include "CommandRegistry.h"
 #include "DeviceNames.h"
 

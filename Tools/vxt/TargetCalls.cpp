@@ -39,10 +39,11 @@ bool TryOutcome(IInternalService_OperationReceipt& receipts, uint64_t token, std
   return status == VXT_OperationStatus_Completed;
 }
 
-std::vector<uint8_t> Outcome(IInternalService_OperationReceipt& receipts, uint64_t token) {
+std::vector<uint8_t> Outcome(IInternalService_OperationReceipt& receipts, uint64_t token,
+                             const std::string& failurePrefix) {
   std::vector<uint8_t> bytes;
   std::string failure;
-  if (!TryOutcome(receipts, token, bytes, failure)) throw std::runtime_error(failure);
+  if (!TryOutcome(receipts, token, bytes, failure)) throw std::runtime_error(failurePrefix + failure);
   return bytes;
 }
 

@@ -16,9 +16,16 @@ namespace vxt::cli {
 uint32_t LogicalThreadNamed(IInternalService_Device& devices, const std::string& name);
 
 // Waits for the operation and destroys its token. Its value's bytes, if it
-// has a value; throws std::runtime_error with the operation's own message
-// when it failed.
-std::vector<uint8_t> Outcome(IInternalService_OperationReceipt& receipts, uint64_t token);
+// has a value; throws std::runtime_error with the operation's own message,
+// behind `failurePrefix`, when it failed.
+std::vector<uint8_t> Outcome(IInternalService_OperationReceipt& receipts, uint64_t token,
+                             const std::string& failurePrefix = "");
+
+// Waits for an operation that gives no value; throws "<call> did not
+// complete: <its message>" unless it completed.
+inline void AwaitCompletion(IInternalService_OperationReceipt& receipts, uint64_t token, const std::string& call) {
+  Outcome(receipts, token, call + " did not complete: ");
+}
 
 // The same, but a failure is no exception: false, with its message.
 bool TryOutcome(IInternalService_OperationReceipt& receipts, uint64_t token, std::vector<uint8_t>& bytes,

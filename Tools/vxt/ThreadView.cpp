@@ -5,6 +5,7 @@
 
 #include "DeviceNames.h"
 #include "Session.h"
+#include "TargetCalls.h"
 
 namespace vxt::cli {
 namespace {
@@ -113,22 +114,9 @@ uint64_t ReceiptNumber(uint64_t token, const std::string& call) {
 }
 
 std::vector<uint8_t> ReceiptBytes(uint64_t token, const std::string& call) {
-  Settle(token, call);
-  uint32_t count = 0;
-  std::vector<uint8_t> bytes;
-  VXT_Result read = Receipts().GetValueAsRawBytes(token, nullptr, 0, &count);
-  if (read == 0) {
-    bytes.resize(count);
-    read = Receipts().GetValueAsRawBytes(token, bytes.data(), count, &count);
-  }
-  Receipts().Destroy(token);
-  Check(read, "GetValueAsRawBytes");
-  return bytes;
+  return Outcome(Receipts(), token, call + ": ");
 }
 
-void FinishReceipt(uint64_t token, const std::string& call) {
-  Settle(token, call);
-  Receipts().Destroy(token);
-}
+void FinishReceipt(uint64_t token, const std::string& call) { Outcome(Receipts(), token, call + ": "); }
 
 }  // namespace vxt::cli
