@@ -5,7 +5,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <chrono>
+#include <cstdlib>
 #include <functional>
+#include <future>
 #include <string>
 #include <vector>
 
@@ -184,6 +187,52 @@ TEST_F(StatePortTest, AWriteThatChangesAValueIsAnEvent) {
   ASSERT_EQ(ports->ReadModifyWrite(kTargetDomain, "Scratch", 2, at, 0, 1, &token), VXT_SUCCESS);
   EXPECT_EQ(seen, (std::vector<std::string>{"Scratch 0 1515870810->7", "Scratch 0 7->6"}));
   ASSERT_EQ(events->UnsubscribeStatePortEvents(&RecordChange), VXT_SUCCESS);
+}
+
+// Reads the port that changed through the service, from inside its own
+// delivery, and takes itself off the list: the component holds no lock a
+// subscriber needs while it delivers.
+struct ReadingSubscriber {
+  IInternalService_StatePort* ports;
+  IInternalService_OperationReceipt* receipts;
+  IInternalService_Event* events;
+  std::vector<uint64_t> valuesRead;
+};
+ReadingSubscriber* reading = nullptr;
+
+void ReadFromTheCallback(const VXT_StatePortEvent* event, void*) {
+  uint64_t token = 0;
+  const uint64_t at[] = {0, 3};
+  uint64_t value = 0;
+  if (reading->ports->Read(kTargetDomain, event->statePortName, 2, at, &token) == VXT_SUCCESS &&
+      reading->receipts->Flush(token) == VXT_SUCCESS && reading->receipts->GetValueAsUInt64(token, &value) == VXT_SUCCESS)
+    reading->valuesRead.push_back(value);
+  reading->receipts->Destroy(token);
+  reading->events->UnsubscribeStatePortEvents(&ReadFromTheCallback);
+}
+
+TEST_F(StatePortTest, ASubscriberCallsTheServiceAndLeavesFromItsCallback) {
+  ReadingSubscriber subscriber{ports, Service<IInternalService_OperationReceipt>(VXT_Service_OperationReceipt),
+                               Service<IInternalService_Event>(VXT_Service_Event), {}};
+  reading = &subscriber;
+  ASSERT_EQ(subscriber.events->SubscribeStatePortEvents(&ReadFromTheCallback, nullptr), VXT_SUCCESS);
+  auto writes = std::async(std::launch::async, [&] {
+    const uint64_t at[] = {0, 3};
+    for (uint64_t value : {11u, 12u}) {
+      uint64_t token = 0;
+      if (ports->Write(kTargetDomain, "Scratch", 2, at, value, &token) != VXT_SUCCESS) return false;
+      receipts->Flush(token);
+      receipts->Destroy(token);
+    }
+    return true;
+  });
+  if (writes.wait_for(std::chrono::seconds(20)) != std::future_status::ready) {
+    ADD_FAILURE() << "a write never completed while its subscriber called the service";
+    std::_Exit(1);  // The writing thread is stuck for good
+  }
+  EXPECT_TRUE(writes.get()) << GetLastErrorMessage();
+  // Heard the first change only, and read the value it announced.
+  EXPECT_EQ(subscriber.valuesRead, std::vector<uint64_t>{11});
 }
 
 }  // namespace
