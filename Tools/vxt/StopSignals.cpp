@@ -31,10 +31,14 @@ int WaitForStopSignal() {
   return signal;
 }
 
-void DiscardPendingStopSignals() {
+bool TakeStopSignal() {
   const sigset_t signals = StopSignals();
   const timespec now{};
-  while (sigtimedwait(&signals, nullptr, &now) > 0) {
+  return sigtimedwait(&signals, nullptr, &now) > 0;
+}
+
+void DiscardPendingStopSignals() {
+  while (TakeStopSignal()) {
   }
 }
 

@@ -12,6 +12,9 @@ void BlockStopSignals();
 // The one that came.
 int WaitForStopSignal();
 
+// Takes one that came, without waiting: whether one had come.
+bool TakeStopSignal();
+
 // Drops those that came while nobody waited.
 void DiscardPendingStopSignals();
 

@@ -1,5 +1,7 @@
 #include "Cpu/IoDevices.h"
 
+#include <algorithm>
+
 namespace voxtrel::platform::cpu {
 
 namespace {
@@ -44,6 +46,7 @@ void Uart16550::Write(uint16_t offset, uint8_t value) {
         dll_ = value;
       } else {
         text_.push_back(static_cast<char>(value));
+        ++transmitted_;
         if (text_.size() > kMaxText) text_.erase(0, text_.size() - kMaxText);
       }
       break;
@@ -81,6 +84,25 @@ std::string Uart16550::Text() const {
 void Uart16550::Receive(const std::string& bytes) {
   std::lock_guard lock(mutex_);
   received_.insert(received_.end(), bytes.begin(), bytes.end());
+}
+
+std::string Uart16550::TextSince(uint64_t& position, size_t limit, uint64_t& skipped) const {
+  std::lock_guard lock(mutex_);
+  const uint64_t oldest = transmitted_ - text_.size();
+  skipped = position < oldest ? oldest - position : 0;
+  if (position < oldest) position = oldest;
+  if (position > transmitted_) position = transmitted_;
+  const size_t from = static_cast<size_t>(position - oldest);
+  std::string bytes = text_.substr(from, std::min(limit, text_.size() - from));
+  position += bytes.size();
+  return bytes;
+}
+
+size_t Uart16550::Accept(const uint8_t* bytes, size_t count, size_t capacity) {
+  std::lock_guard lock(mutex_);
+  const size_t taken = received_.size() >= capacity ? 0 : std::min(count, capacity - received_.size());
+  received_.insert(received_.end(), bytes, bytes + taken);
+  return taken;
 }
 
 uint8_t PostCodePort::Read(uint16_t) {

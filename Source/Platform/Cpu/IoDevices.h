@@ -49,10 +49,18 @@ class Uart16550 final : public IoDevice {
   std::string Text() const;
   // Bytes for the receiver, read by the guest through RBR.
   void Receive(const std::string& bytes);
+  // The bytes transmitted from `position` (a count of every byte since the
+  // domain started) on, at most `limit`; `position` moves past them. Bytes
+  // older than the kept text are skipped; `skipped` says how many.
+  std::string TextSince(uint64_t& position, size_t limit, uint64_t& skipped) const;
+  // As many of `bytes` as leave at most `capacity` bytes waiting for the
+  // guest; how many were taken.
+  size_t Accept(const uint8_t* bytes, size_t count, size_t capacity);
 
  private:
   mutable std::mutex mutex_;
   std::string text_;
+  uint64_t transmitted_ = 0;  // Every byte sent since the domain started, dropped ones included
   std::deque<uint8_t> received_;
   uint8_t ier_ = 0, lcr_ = 0, mcr_ = 0, scr_ = 0, dll_ = 0, dlm_ = 0;
 };

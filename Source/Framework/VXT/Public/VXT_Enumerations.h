@@ -251,3 +251,16 @@ enum VXT_JtagTdiTdoContinuity : int32_t {
   VXT_JtagTdiTdoContinuity_INVERTED = 4,
   VXT_JtagTdiTdoContinuity_CORRUPTION = 8,
 };
+
+// How an interface port's window hands on the bytes that arrive.
+enum VXT_InterfacePortDataCaptureType : uint32_t {
+  VXT_InterfacePortDataCaptureType_Stream = 0,  // Kept for Read
+  VXT_InterfacePortDataCaptureType_File = 1,    // Appended to the capture file
+};
+
+// The direction of an interface port's window.
+enum VXT_InterfacePortAccessMode : uint32_t {
+  VXT_InterfacePortAccessMode_Read = 0,
+  VXT_InterfacePortAccessMode_Write = 1,
+  VXT_InterfacePortAccessMode_ReadWrite = 2,
+};

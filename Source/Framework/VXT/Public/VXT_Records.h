@@ -43,3 +43,20 @@ static_assert(offsetof(VXT_Address, segsel) == 6);
 static_assert(offsetof(VXT_Address, offset) == 8);
 static_assert(offsetof(VXT_Address, addressType) == 16);
 static_assert(sizeof(VXT_AddressType) == 4);
+
+// How an interface port's window is opened, and what GetInterfacePortConfiguration reports.
+inline constexpr uint32_t VXT_INTERFACE_PORT_CONFIGURATION_SIZE = 532;
+inline constexpr uint32_t VXT_INTERFACE_PORT_FILE_TEXT_SIZE = 260;  // Characters, terminating zero included
+
+struct VXT_InterfacePortConfiguration {
+  uint32_t structureSize;  // VXT_INTERFACE_PORT_CONFIGURATION_SIZE, set by the caller
+  VXT_InterfacePortDataCaptureType dataCaptureType;
+  char fileName[VXT_INTERFACE_PORT_FILE_TEXT_SIZE];  // The capture file's name
+  char filePath[VXT_INTERFACE_PORT_FILE_TEXT_SIZE];  // The directory it is in; empty for the working directory
+  VXT_InterfacePortAccessMode accessMode;
+};
+
+static_assert(sizeof(VXT_InterfacePortConfiguration) == VXT_INTERFACE_PORT_CONFIGURATION_SIZE);
+static_assert(offsetof(VXT_InterfacePortConfiguration, fileName) == 8);
+static_assert(offsetof(VXT_InterfacePortConfiguration, filePath) == 268);
+static_assert(offsetof(VXT_InterfacePortConfiguration, accessMode) == 528);

@@ -26,3 +26,4 @@
 #include "IInternalService_Initialization.h"
 #include "IInternalService_RunControlConfiguration.h"
 #include "IInternalService_Break.h"
+#include "IInternalService_InterfacePort.h"

@@ -6,6 +6,7 @@
 #include "GluedArg.h"
 #include "InProc_General.h"
 #include "InProc_Memory.h"
+#include "RegionTransfer.h"
 #include "frame/Frame.h"
 
 namespace vxt {
@@ -47,24 +48,6 @@ auto MethodAndAddress(const char* configMethod, const VXT_Address* address) {
 Call& CheckAddress(Call& call, const VXT_Address* address) {
   call.Core([&] { return InProc_Memory::_CheckAddress(address, ReportArgument{call, "address"}); });
   return call;
-}
-
-// The region's address plus `bufferOffset` for a transfer of `byteCount`
-// bytes, or the call ended: with the lookup's own public code when the
-// handle is unknown (its frame has told the client), or with an argument
-// error when the transfer would leave the region.
-template <class Transfer>
-uint32_t ThroughRegion(Call& call, const Table* table, uint64_t sharedMemoryHandle, uint32_t bufferOffset,
-                       uint32_t byteCount, Transfer transfer) {
-  if (call.failed()) return call.code();
-  InProc_General& general = InProc_General::Instance();
-  void* base = nullptr;
-  if (const VXT_Result looked = general.GetSharedMemoryAddress(sharedMemoryHandle, &base); looked != VXT_SUCCESS)
-    return call.PassPublicCode(looked);
-  const uint64_t end = static_cast<uint64_t>(bufferOffset) + byteCount;
-  call.Require(end <= general._GetSharedMemorySize(sharedMemoryHandle), code::kOutOfRange, call.prefix(),
-               " argument error (bufferOffset) : The transfer does not fit in the shared memory region");
-  return call.Core(table, [&](const Table& t) { return transfer(t, static_cast<uint8_t*>(base) + bufferOffset); });
 }
 
 }  // namespace

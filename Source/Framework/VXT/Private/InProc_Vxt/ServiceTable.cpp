@@ -11,6 +11,7 @@
 #include "InProc_I2cAccess.h"
 #include "InProc_Initialization.h"
 #include "InProc_InterfacePins.h"
+#include "InProc_InterfacePort.h"
 #include "InProc_Memory.h"
 #include "InProc_JtagAccess.h"
 #include "InProc_JtagConfiguration.h"
@@ -66,6 +67,8 @@ void* FindService(uint32_t serviceId) {
       return static_cast<IInternalService_I2cAccess*>(&InProc_I2cAccess::Instance());
     case VXT_Service_InterfacePins:
       return static_cast<IInternalService_InterfacePins*>(&InProc_InterfacePins::Instance());
+    case VXT_Service_InterfacePort:
+      return static_cast<IInternalService_InterfacePort*>(&InProc_InterfacePort::Instance());
     case VXT_Service_StatePort:
       return static_cast<IInternalService_StatePort*>(&InProc_StatePort::Instance());
     case VXT_Service_Dma:

@@ -45,6 +45,8 @@ constexpr const char* kNodeTypes[] = {"Unknown",        "LogicalRoot",        "T
                                       "Debugport",      "JTAGScanChain",      "TAPController",    "InterfacePort",
                                       "LogicalModule",  "I2cBus",             "PinsInterface",    "VirtualJTAGScanChain"};
 constexpr const char* kInterfacePortStates[] = {"Unknown", "Online", "Configured", "WindowOpen", "Offline"};
+constexpr const char* kInterfacePortCaptureTypes[] = {"Stream", "File"};
+constexpr const char* kInterfacePortAccessModes[] = {"Read", "Write", "ReadWrite"};
 constexpr const char* kJtagRepeatTypes[] = {"MAX_ITER", "COMPARE_MATCH_OR_FAIL_AT_MAX_ITER",
                                             "TRIGGER_OR_FAIL_AT_MAX_ITER"};
 constexpr const char* kJtagStates[] = {"TLR",   "RTI",   "SelDR", "CapDR", "ShfDR", "Ex1DR", "PauDR", "Ex2DR",
@@ -81,6 +83,8 @@ const char* BreakpointDataSizeName(uint32_t value) { return IndexedName(kBreakpo
 const char* DebugRegisterName(uint32_t value) { return IndexedName(kDebugRegisters, value); }
 const char* NodeTypeName(uint32_t value) { return IndexedName(kNodeTypes, value); }
 const char* InterfacePortStateName(uint32_t value) { return IndexedName(kInterfacePortStates, value); }
+const char* InterfacePortCaptureTypeName(uint32_t value) { return IndexedName(kInterfacePortCaptureTypes, value); }
+const char* InterfacePortAccessModeName(uint32_t value) { return IndexedName(kInterfacePortAccessModes, value); }
 const char* JtagRepeatTypeName(uint32_t value) { return IndexedName(kJtagRepeatTypes, value); }
 const char* JtagStateName(uint32_t value) { return IndexedName(kJtagStates, value); }
 const char* JtagResetTypeName(uint32_t value) { return IndexedName(kJtagResetTypes, value); }

@@ -26,6 +26,8 @@ const char* BreakpointDataSizeName(uint32_t value);
 const char* DebugRegisterName(uint32_t value);
 const char* NodeTypeName(uint32_t value);
 const char* InterfacePortStateName(uint32_t value);
+const char* InterfacePortCaptureTypeName(uint32_t value);
+const char* InterfacePortAccessModeName(uint32_t value);
 const char* JtagRepeatTypeName(uint32_t value);
 const char* JtagStateName(uint32_t value);
 const char* JtagResetTypeName(uint32_t value);
