@@ -204,14 +204,11 @@ void UnicornDomain::Loop() {
       if (quit_ && work.empty()) return;
     }
     for (auto& request : work) request();
+    // Everything stopped, the schedule stays where it stands: a halt and go
+    // that come faster than a turn would otherwise give every turn to the
+    // first thread.
     Thread* thread = NextRunnable();
-    if (!thread) {
-      // Everything stopped: the next run starts from the canonical schedule,
-      // so that the same state resumed runs the same way.
-      std::sort(threads_.begin(), threads_.end(), [](const auto& a, const auto& b) { return a->index < b->index; });
-      turnOwner_ = nullptr;
-      continue;
-    }
+    if (!thread) continue;
     if (thread != turnOwner_ || blocksLeft_ == 0) {
       turnOwner_ = thread;
       blocksLeft_ = kSliceBlocks;
@@ -766,9 +763,17 @@ void UnicornDomain::RemoveStopListener(uint32_t id) {
   });
 }
 
+// The schedule starts again too, so that the domain runs the same way from
+// every reset.
+void UnicornDomain::RestartSchedule() {
+  std::sort(threads_.begin(), threads_.end(), [](const auto& a, const auto& b) { return a->index < b->index; });
+  turnOwner_ = nullptr;
+}
+
 CpuResult UnicornDomain::Reset(ResetMode mode) {
   return Serve([&] {
     machine_->Reset();
+    RestartSchedule();
     for (auto& thread : threads_) {
       ResetThread(*thread);
       thread->state = mode == ResetMode::Run ? RunState::Running : RunState::Halted;
