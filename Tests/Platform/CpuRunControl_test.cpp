@@ -125,6 +125,24 @@ TEST(CpuRunControlTest, EveryThreadRunsThroughFrequentHaltsAndGoes) {
     EXPECT_GT(target.ReadQword(ThreadCounter(apicId)), before[apicId]) << "thread " << apicId << " never ran";
 }
 
+// A halt that comes between a reset and the first instructions shows each
+// thread where it stands in the firmware, which runs from ROM alone; the
+// first stop in a fresh engine must not leave rip 0.
+TEST(CpuRunControlTest, AHaltRightAfterAResetShowsWhereTheThreadsStand) {
+  CpuTarget target;
+  for (int round = 0; round < 100; ++round) {
+    ASSERT_EQ(target.Cpus().Reset(round % 2 ? ResetMode::Run : ResetMode::HaltAfterReset), CpuResult::Ok);
+    if (round % 2 == 0) {
+      ASSERT_EQ(target.Cpus().GoAll(), CpuResult::Ok);
+    }
+    if (round % 3 == 0) std::this_thread::sleep_for(std::chrono::microseconds(10 * round));
+    ASSERT_EQ(target.Cpus().HaltAll(), CpuResult::Ok);
+    for (uint32_t thread = 0; thread < target.Cpus().ThreadCount(); ++thread)
+      EXPECT_GE(target.Register(thread, "rip") + target.Register(thread, "cs_base"), 0xFFFF0000u)
+          << "round " << round << ", thread " << thread;
+  }
+}
+
 TEST(CpuRunControlTest, StepsAndBreakpointsStopWhereTheySay) {
   CpuTarget target;
   StopLog log(target.Cpus());
