@@ -32,7 +32,7 @@ class BreakTest : public CallProgramTest {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     while (Status(kFirstThread) != VXT_RunStatus_Halted && std::chrono::steady_clock::now() < deadline)
       std::this_thread::yield();
-    return BreakType(kFirstThread);
+    return Status(kFirstThread) == VXT_RunStatus_Halted ? BreakType(kFirstThread) : "still running";
   }
   IInternalService_Break* service = nullptr;
 };

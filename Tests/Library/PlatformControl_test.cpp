@@ -231,7 +231,8 @@ TEST_F(PlatformControlTest, AResetHaltsAtTheResetVectorAsTheResetBreakSays) {
       ASSERT_EQ(breaks->SetBreakCondition(kTargetDomain, "Reset", *c.resetBreak), 0) << GetLastErrorMessage();
     }
     uint64_t token = 0;
-    Await(platform->ResetTarget(kDebugPort, &token), token);
+    const VXT_Result started = platform->ResetTarget(kDebugPort, &token);
+    Await(started, token);
     for (const uint32_t thread : {kFirstThread, kSecondThread}) {
       EXPECT_EQ(Status(thread), c.halts ? VXT_RunStatus_Halted : VXT_RunStatus_Running) << "case " << i;
       if (!c.halts) continue;

@@ -248,7 +248,10 @@ bool UnicornDomain::RunSlice(Thread& thread, bool stepping) {
   current_ = nullptr;
   stepping_ = false;
   if (stopAddress_) SetLinearRip(thread, *stopAddress_);
-  if (err != UC_ERR_OK) {
+  // The engine ends a run without an error after HLT, but also after faults
+  // it does not deliver (a divide error; an invalid opcode once an earlier
+  // run ended in a fault): only HLT leaves rip just past its opcode.
+  if (err != UC_ERR_OK || (!stopped_ && !ExecutedHlt(thread))) {
     thread.state = RunState::Halted;
     thread.pendingData.reset();
     Report({thread.index, StopReason::Shutdown, LinearRip(thread), 0, 0});
@@ -268,6 +271,13 @@ bool UnicornDomain::RunSlice(Thread& thread, bool stepping) {
   thread.state = RunState::Halted;
   Report(*stopEvent_);
   return true;
+}
+
+bool UnicornDomain::ExecutedHlt(Thread& thread) {
+  constexpr uint8_t kHlt = 0xF4;
+  uint8_t opcode = 0;
+  const uint64_t rip = LinearRip(thread);
+  return rip > 0 && CopyPhysical(rip - 1, &opcode, 1, false) == CpuResult::Ok && opcode == kHlt;
 }
 
 void UnicornDomain::Report(const StopEvent& event) {

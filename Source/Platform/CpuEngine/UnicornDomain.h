@@ -104,6 +104,7 @@ class UnicornDomain final : public CpuBackend {
   Thread* NextRunnable();
   bool RunSlice(Thread& thread, bool stepping);
   void Report(const StopEvent& event);
+  bool ExecutedHlt(Thread& thread);
 
   // ---- Helpers for the domain's thread --------------------------------------
   Thread* FindThread(uint32_t index);
