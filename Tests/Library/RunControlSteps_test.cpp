@@ -86,7 +86,7 @@ uint64_t FirmwareSymbol(const std::string& name) {
 // The bootstrap thread prints "tick <n>\r\n" with uart_puts, uart_hex and
 // uart_puts again: out of the first uart_puts it returns behind its call,
 // and the second call, stepped over, prints its whole text.
-TEST_F(RunControlTest, StepsOutOfAndOverTheFirmwaresOwnCalls) {
+TEST_F(CallProgramTest, StepsOutOfAndOverTheFirmwaresOwnCalls) {
   const uint64_t puts = FirmwareSymbol("uart_puts"), tick = FirmwareSymbol("tick");
   ASSERT_NE(puts, 0u);
   ASSERT_NE(tick, 0u);
@@ -99,25 +99,14 @@ TEST_F(RunControlTest, StepsOutOfAndOverTheFirmwaresOwnCalls) {
     for (size_t i = bytes.size(); i-- > 0;) value = value << 8 | bytes[i];
     return value;
   };
-  auto reg = [&](const char* name) {
-    uint64_t token = 0;
-    EXPECT_EQ(registers->ReadRegister(kFirstThread, name, &token), 0) << GetLastErrorMessage();
-    return Number(token);
-  };
   auto step = [&](VXT_StepType type) {
     uint64_t token = 0;
     Done(runControl->Step(kFirstThread, type, 1, &token), token);
     EXPECT_EQ(BreakType(kFirstThread), "Step");
   };
-  VXT_Breakpoint entry{};
-  entry.structureSize = VXT_BREAKPOINT_SIZE;
-  entry.threadDeviceId = kFirstThread;
-  entry.breakpointType = VXT_BreakpointType_HW_Exec;
-  entry.breakpointAddress = puts;
-  entry.enabled = 1;
-  ASSERT_EQ(breakpoints->CreateBreakpoint(&entry), 0) << GetLastErrorMessage();
+  const VXT_Breakpoint entry = BreakAt(puts - kCode);
   // Until it enters uart_puts to print "tick ".
-  for (int hits = 0; hits < 4 && !(Status(kFirstThread) == VXT_RunStatus_Halted && reg("rsi") == tick); ++hits) {
+  for (int hits = 0; hits < 4 && !(Rip(kFirstThread) == puts && Read("rsi") == tick); ++hits) {
     uint64_t token = 0;
     Done(runControl->Go(kFirstThread, &token), token);
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
@@ -125,22 +114,22 @@ TEST_F(RunControlTest, StepsOutOfAndOverTheFirmwaresOwnCalls) {
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
   ASSERT_EQ(Rip(kFirstThread), puts);
-  ASSERT_EQ(reg("rsi"), tick);
-  const uint64_t returnAddress = qword(reg("rsp"));
+  ASSERT_EQ(Read("rsi"), tick);
+  const uint64_t returnAddress = qword(Read("rsp"));
   ASSERT_EQ(breakpoints->RemoveBreakpointById(entry.breakpointId), 0);
 
   step(VXT_StepType_Out);
   EXPECT_EQ(Rip(kFirstThread), returnAddress);
-  EXPECT_EQ(reg("rsi"), tick + sizeof("tick ")) << "the whole text was printed";
+  EXPECT_EQ(Read("rsi"), tick + sizeof("tick ")) << "the whole text was printed";
   step(VXT_StepType_Over);  // call uart_hex
   step(VXT_StepType_Over);  // lea newline(%rip), %rsi
-  const uint64_t call = Rip(kFirstThread), text = reg("rsi");
+  const uint64_t call = Rip(kFirstThread), text = Read("rsi");
   const uint64_t code = qword(call);
   ASSERT_EQ(code & 0xFF, 0xE8u) << "a call";
   EXPECT_EQ(call + 5 + static_cast<int32_t>(code >> 8), puts) << "of uart_puts";
   step(VXT_StepType_Over);
   EXPECT_EQ(Rip(kFirstThread), call + 5);
-  EXPECT_EQ(reg("rsi"), text + sizeof("\r\n"));
+  EXPECT_EQ(Read("rsi"), text + sizeof("\r\n"));
   uint64_t token = 0;
   Done(runControl->Go(kFirstThread, &token), token);
 }
