@@ -74,7 +74,13 @@ void BM_GoToBreakpointEvent(benchmark::State& state) {
     const uint64_t seen = breakpointEvents.load(std::memory_order_acquire);
     const auto start = Clock::now();
     session.Run(&IInternalService_RunControl::Go);
-    while (breakpointEvents.load(std::memory_order_acquire) == seen) std::this_thread::yield();
+    const auto deadline = start + std::chrono::seconds(5);
+    while (breakpointEvents.load(std::memory_order_acquire) == seen && Clock::now() < deadline)
+      std::this_thread::yield();
+    if (Clock::now() >= deadline) {
+      state.SkipWithError("no breakpoint event within 5 s");
+      break;
+    }
     state.SetIterationTime(std::chrono::duration<double>(Clock::now() - start).count());
   }
   session.events->UnsubscribeRunControlEvents(&CountBreakpointEvent);
@@ -126,9 +132,10 @@ void BM_FirmwareSpeed(benchmark::State& state) {
   for (const uint32_t id : ids) session.breakpoints->RemoveBreakpointById(id);
 }
 
-BENCHMARK(BM_GoToBreakpointEvent)->UseManualTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_StepInto)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_HaltWhileRunning)->UseManualTime()->Unit(benchmark::kMicrosecond);
+// Fixed counts: each run is one client session of its own.
+BENCHMARK(BM_GoToBreakpointEvent)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(5000);
+BENCHMARK(BM_StepInto)->UseRealTime()->Unit(benchmark::kMicrosecond)->Iterations(2000);
+BENCHMARK(BM_HaltWhileRunning)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(1000);
 BENCHMARK(BM_FirmwareSpeed)->Arg(0)->Arg(64)->UseRealTime()->Unit(benchmark::kMillisecond)->Iterations(8);
 
 }  // namespace
