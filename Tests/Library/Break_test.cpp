@@ -32,7 +32,7 @@ class BreakTest : public CallProgramTest {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     while (Status(kFirstThread) != VXT_RunStatus_Halted && std::chrono::steady_clock::now() < deadline)
       std::this_thread::yield();
-    return BreakType(kFirstThread);
+    return Status(kFirstThread) == VXT_RunStatus_Halted ? BreakType(kFirstThread) : "still running";
   }
   IInternalService_Break* service = nullptr;
 };
@@ -69,13 +69,15 @@ TEST_F(BreakTest, ConditionsAndTheResetOfADomain) {
 }
 
 TEST_F(BreakTest, TheCpuBreaksOnHltAndOnAShutdownTheBoardResets) {
-  // At 0x40: hlt. Code fetched from the hole past the RAM cannot run.
-  const std::vector<uint8_t> stops = {0xF4, 0x90, 0x90, 0x90};
+  // At 0x40: hlt; at 0x44: ud2; at 0x48: xor ecx, ecx; div ecx (a fault that
+  // no handler takes: the firmware has no interrupt table, so it ends as a
+  // triple fault). Code fetched from the hole past the RAM cannot run.
+  const std::vector<uint8_t> stops = {0xF4, 0x90, 0x90, 0x90, 0x0F, 0x0B, 0x90, 0x90, 0x31, 0xC9, 0xF7, 0xF1};
   constexpr uint64_t kHole = 0x5000000;
   VXT_BitData code = Vector(stops);
   const VXT_Address where = Physical(kCode + 0x40);
   uint64_t token = 0;
-  ASSERT_EQ(memory->WriteMemory(kFirstThread, &where, 4, &code, &token), 0);
+  ASSERT_EQ(memory->WriteMemory(kFirstThread, &where, static_cast<int32_t>(stops.size()), &code, &token), 0);
   receipts->Destroy(token);
   bitData->Destroy(&code);
 
@@ -87,7 +89,15 @@ TEST_F(BreakTest, TheCpuBreaksOnHltAndOnAShutdownTheBoardResets) {
             "the thread waits at 0x20041 and completes no instruction; only a step into can be made");
   ASSERT_EQ(service->SetBreakCondition(kFirstThread, "Hlt", 0), 0);
 
-  EXPECT_EQ(RunUntilStopped(kHole), "Shutdown");
+  struct Shutdown {
+    const char* what;
+    uint64_t from, stopsAt;
+  };
+  for (const Shutdown& c : {Shutdown{"fetch from a hole", kHole, kHole}, Shutdown{"ud2", kCode + 0x44, kCode + 0x44},
+                            Shutdown{"unhandled fault", kCode + 0x48, kCode + 0x4A}}) {
+    EXPECT_EQ(RunUntilStopped(c.from), "Shutdown") << c.what;
+    EXPECT_EQ(Read("rip"), c.stopsAt) << c.what;
+  }
   // The board resets on a shutdown; "Init" stops the thread at its reset state.
   ASSERT_EQ(service->SetBreakCondition(kFirstThread, "Shutdown", 0), 0);
   ASSERT_EQ(service->SetBreakCondition(kFirstThread, "Init", 1), 0);

@@ -3,6 +3,7 @@
 // and from target events.
 #include <chrono>
 #include <functional>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -210,6 +211,35 @@ TEST_F(PlatformControlTest, PowerCycleAndResetRestartTheFirmwareAndAreAnnounced)
     uint32_t status = 0;
     EXPECT_EQ(platform->GetDebugPortPowerStatus(kDebugPort, &status), 0);
     EXPECT_EQ(status, 1u);
+  }
+}
+
+
+// The reset break, set through the Break service on the target domain, halts
+// every thread at its reset vector after a reset through platform control:
+// once for 1, after every reset for 2.
+TEST_F(PlatformControlTest, AResetHaltsAtTheResetVectorAsTheResetBreakSays) {
+  auto* breaks = Service<IInternalService_Break>(VXT_Service_Break);
+  struct Case {
+    std::optional<uint32_t> resetBreak;  // Set before the reset
+    bool halts;
+  };
+  const Case cases[] = {{1, true}, {std::nullopt, false}, {2, true}, {std::nullopt, true}, {0, false}};
+  for (size_t i = 0; i < std::size(cases); ++i) {
+    const Case& c = cases[i];
+    if (c.resetBreak) {
+      ASSERT_EQ(breaks->SetBreakCondition(kTargetDomain, "Reset", *c.resetBreak), 0) << GetLastErrorMessage();
+    }
+    uint64_t token = 0;
+    const VXT_Result started = platform->ResetTarget(kDebugPort, &token);
+    Await(started, token);
+    for (const uint32_t thread : {kFirstThread, kSecondThread}) {
+      EXPECT_EQ(Status(thread), c.halts ? VXT_RunStatus_Halted : VXT_RunStatus_Running) << "case " << i;
+      if (!c.halts) continue;
+      EXPECT_EQ(Rip(thread), 0xFFF0u) << "case " << i;
+      EXPECT_EQ(BreakType(thread), "Reset") << "case " << i;
+    }
+    if (c.halts) Done(runControl->GoAll(&token), token);
   }
 }
 

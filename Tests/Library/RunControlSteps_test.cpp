@@ -1,5 +1,8 @@
 // Step Over, Out and Branch through the RunControl service, on a small
-// program of calls written into the first thread's memory.
+// program of calls written into the first thread's memory and on the
+// firmware's own functions.
+#include <cstdio>
+
 #include "CallProgramTestSupport.h"
 
 namespace vxt::test {
@@ -56,6 +59,79 @@ TEST_F(CallProgramTest, ACompoundStepAnnouncesOneStopAndABreakpointEndsIt) {
   Done(runControl->Go(kFirstThread, &token), token);
   EXPECT_NE(runControl->Step(kFirstThread, VXT_StepType_Over, 1, &token), 0);
   EXPECT_EQ(std::string(GetLastErrorMessage()), "stepping: the thread is not halted");
+}
+
+}  // namespace
+}  // namespace vxt::test
+
+namespace vxt::test {
+namespace {
+
+// The address of a symbol of the default firmware; 0 if it has none.
+uint64_t FirmwareSymbol(const std::string& name) {
+  FILE* pipe = popen(VXT_NM " " VXT_FIRMWARE_ELF, "r");
+  if (pipe == nullptr) return 0;
+  uint64_t found = 0;
+  char line[256];
+  while (std::fgets(line, sizeof line, pipe) != nullptr) {
+    unsigned long long address = 0;
+    char type = 0;
+    char symbol[128] = {};
+    if (std::sscanf(line, "%llx %c %127s", &address, &type, symbol) == 3 && name == symbol) found = address;
+  }
+  pclose(pipe);
+  return found;
+}
+
+// The bootstrap thread prints "tick <n>\r\n" with uart_puts, uart_hex and
+// uart_puts again: out of the first uart_puts it returns behind its call,
+// and the second call, stepped over, prints its whole text.
+TEST_F(CallProgramTest, StepsOutOfAndOverTheFirmwaresOwnCalls) {
+  const uint64_t puts = FirmwareSymbol("uart_puts"), tick = FirmwareSymbol("tick");
+  ASSERT_NE(puts, 0u);
+  ASSERT_NE(tick, 0u);
+  auto qword = [&](uint64_t address) {
+    const VXT_Address where = Physical(address);
+    uint64_t token = 0;
+    EXPECT_EQ(memory->ReadMemory(kFirstThread, &where, 8, &token), 0) << GetLastErrorMessage();
+    const std::vector<uint8_t> bytes = Bytes(token);
+    uint64_t value = 0;
+    for (size_t i = bytes.size(); i-- > 0;) value = value << 8 | bytes[i];
+    return value;
+  };
+  auto step = [&](VXT_StepType type) {
+    uint64_t token = 0;
+    Done(runControl->Step(kFirstThread, type, 1, &token), token);
+    EXPECT_EQ(BreakType(kFirstThread), "Step");
+  };
+  const VXT_Breakpoint entry = BreakAt(puts - kCode);
+  // Until it enters uart_puts to print "tick ".
+  for (int hits = 0; hits < 4 && !(Rip(kFirstThread) == puts && Read("rsi") == tick); ++hits) {
+    uint64_t token = 0;
+    Done(runControl->Go(kFirstThread, &token), token);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (Status(kFirstThread) != VXT_RunStatus_Halted && std::chrono::steady_clock::now() < deadline)
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  ASSERT_EQ(Rip(kFirstThread), puts);
+  ASSERT_EQ(Read("rsi"), tick);
+  const uint64_t returnAddress = qword(Read("rsp"));
+  ASSERT_EQ(breakpoints->RemoveBreakpointById(entry.breakpointId), 0);
+
+  step(VXT_StepType_Out);
+  EXPECT_EQ(Rip(kFirstThread), returnAddress);
+  EXPECT_EQ(Read("rsi"), tick + sizeof("tick ")) << "the whole text was printed";
+  step(VXT_StepType_Over);  // call uart_hex
+  step(VXT_StepType_Over);  // lea newline(%rip), %rsi
+  const uint64_t call = Rip(kFirstThread), text = Read("rsi");
+  const uint64_t code = qword(call);
+  ASSERT_EQ(code & 0xFF, 0xE8u) << "a call";
+  EXPECT_EQ(call + 5 + static_cast<int32_t>(code >> 8), puts) << "of uart_puts";
+  step(VXT_StepType_Over);
+  EXPECT_EQ(Rip(kFirstThread), call + 5);
+  EXPECT_EQ(Read("rsi"), text + sizeof("\r\n"));
+  uint64_t token = 0;
+  Done(runControl->Go(kFirstThread, &token), token);
 }
 
 }  // namespace

@@ -99,6 +99,50 @@ TEST(CpuRunControlTest, HaltsArePreciseAndResumable) {
   EXPECT_TRUE(WaitForCondition([&] { return target.ReadQword(kSharedCounter) > last; }));
 }
 
+// Halted and resumed far more often than a thread's turn lasts, the domain
+// still gives every thread its turn: each one counts on.
+TEST(CpuRunControlTest, EveryThreadRunsThroughFrequentHaltsAndGoes) {
+  CpuTarget target;
+  target.WaitForFirmwareLoop();
+  const uint32_t threads = target.Cpus().ThreadCount();
+  ASSERT_EQ(target.Cpus().HaltAll(), CpuResult::Ok);
+  std::vector<uint64_t> before;
+  for (uint32_t apicId = 0; apicId < threads; ++apicId) before.push_back(target.ReadQword(ThreadCounter(apicId)));
+  auto everyThreadCounted = [&] {
+    for (uint32_t apicId = 0; apicId < threads; ++apicId)
+      if (target.ReadQword(ThreadCounter(apicId)) == before[apicId]) return false;
+    return true;
+  };
+  // Each go lasts a few thousand loop iterations, a small part of a turn.
+  for (int cycle = 0; cycle < 400 && !everyThreadCounted(); ++cycle) {
+    const uint64_t shared = target.ReadQword(kSharedCounter);
+    ASSERT_EQ(target.Cpus().GoAll(), CpuResult::Ok);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (target.ReadQword(kSharedCounter) < shared + 2000) ASSERT_LT(std::chrono::steady_clock::now(), deadline);
+    ASSERT_EQ(target.Cpus().HaltAll(), CpuResult::Ok);
+  }
+  for (uint32_t apicId = 0; apicId < threads; ++apicId)
+    EXPECT_GT(target.ReadQword(ThreadCounter(apicId)), before[apicId]) << "thread " << apicId << " never ran";
+}
+
+// A halt that comes between a reset and the first instructions shows each
+// thread where it stands in the firmware, which runs from ROM alone; the
+// first stop in a fresh engine must not leave rip 0.
+TEST(CpuRunControlTest, AHaltRightAfterAResetShowsWhereTheThreadsStand) {
+  CpuTarget target;
+  for (int round = 0; round < 100; ++round) {
+    ASSERT_EQ(target.Cpus().Reset(round % 2 ? ResetMode::Run : ResetMode::HaltAfterReset), CpuResult::Ok);
+    if (round % 2 == 0) {
+      ASSERT_EQ(target.Cpus().GoAll(), CpuResult::Ok);
+    }
+    if (round % 3 == 0) std::this_thread::sleep_for(std::chrono::microseconds(10 * round));
+    ASSERT_EQ(target.Cpus().HaltAll(), CpuResult::Ok);
+    for (uint32_t thread = 0; thread < target.Cpus().ThreadCount(); ++thread)
+      EXPECT_GE(target.Register(thread, "rip") + target.Register(thread, "cs_base"), 0xFFFF0000u)
+          << "round " << round << ", thread " << thread;
+  }
+}
+
 TEST(CpuRunControlTest, StepsAndBreakpointsStopWhereTheySay) {
   CpuTarget target;
   StopLog log(target.Cpus());
@@ -146,7 +190,8 @@ TEST(CpuRunControlTest, StepsAndBreakpointsStopWhereTheySay) {
 }
 
 // All threads run the same locked loop; thread 0 stops at its end and its
-// listener halts the others at once. Started twice from the same state, the
+// listener halts the others at once. Started twice from the same state (a
+// reset, and the firmware run until the bootstrap thread first counts), the
 // domain ends in the same state, whatever its clients ask meanwhile.
 TEST(CpuRunControlTest, ThreadsOfADomainRunDeterministically) {
   // 0: inc qword [rbx+0x3000]; 7: lock inc qword [0x3100]; 16: inc rcx;
@@ -156,8 +201,18 @@ TEST(CpuRunControlTest, ThreadsOfADomainRunDeterministically) {
                                         0x81, 0xF9, 0x50, 0xC3, 0x00, 0x00, 0x75, 0xE4, 0xF4};
   auto run = [&] {
     CpuTarget target;
-    target.WaitForFirmwareLoop();
-    EXPECT_EQ(target.Cpus().HaltAll(), CpuResult::Ok);
+    uint32_t id = 0;
+    {
+      StopLog counted(target.Cpus(), [&](const StopEvent& event) {
+        if (event.reason == StopReason::DataBreakpoint) target.Cpus().HaltAll();
+      });
+      EXPECT_EQ(target.Cpus().Reset(ResetMode::HaltAfterReset), CpuResult::Ok);
+      EXPECT_EQ(target.Cpus().AddBreakpoint({BreakpointKind::Data, ThreadCounter(0), DataAccess::Write, 8, 0}, id),
+                CpuResult::Ok);
+      EXPECT_EQ(target.Cpus().GoAll(), CpuResult::Ok);
+      EXPECT_TRUE(counted.WaitFor(StopReason::DataBreakpoint));
+      EXPECT_EQ(target.Cpus().RemoveBreakpoint(id), CpuResult::Ok);
+    }
     target.Write(kCode, program);
     target.Write(kData, std::vector<uint8_t>(0x108, 0));
     for (uint32_t thread = 0; thread < target.Cpus().ThreadCount(); ++thread) {
@@ -165,7 +220,6 @@ TEST(CpuRunControlTest, ThreadsOfADomainRunDeterministically) {
       target.SetRegister(thread, "rbx", 8 * thread);
       target.SetRegister(thread, "rcx", 0);
     }
-    uint32_t id = 0;
     EXPECT_EQ(target.Cpus().AddBreakpoint({BreakpointKind::Execution, kCode + 28, DataAccess::Write, 1, 0}, id),
               CpuResult::Ok);
     StopLog log(target.Cpus(), [&](const StopEvent& event) {

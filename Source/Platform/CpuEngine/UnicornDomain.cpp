@@ -204,14 +204,11 @@ void UnicornDomain::Loop() {
       if (quit_ && work.empty()) return;
     }
     for (auto& request : work) request();
+    // Everything stopped, the schedule stays where it stands: a halt and go
+    // that come faster than a turn would otherwise give every turn to the
+    // first thread.
     Thread* thread = NextRunnable();
-    if (!thread) {
-      // Everything stopped: the next run starts from the canonical schedule,
-      // so that the same state resumed runs the same way.
-      std::sort(threads_.begin(), threads_.end(), [](const auto& a, const auto& b) { return a->index < b->index; });
-      turnOwner_ = nullptr;
-      continue;
-    }
+    if (!thread) continue;
     if (thread != turnOwner_ || blocksLeft_ == 0) {
       turnOwner_ = thread;
       blocksLeft_ = kSliceBlocks;
@@ -251,7 +248,10 @@ bool UnicornDomain::RunSlice(Thread& thread, bool stepping) {
   current_ = nullptr;
   stepping_ = false;
   if (stopAddress_) SetLinearRip(thread, *stopAddress_);
-  if (err != UC_ERR_OK) {
+  // The engine ends a run without an error after HLT, but also after faults
+  // it does not deliver (a divide error; an invalid opcode once an earlier
+  // run ended in a fault): only HLT leaves rip just past its opcode.
+  if (err != UC_ERR_OK || (!stopped_ && !ExecutedHlt(thread))) {
     thread.state = RunState::Halted;
     thread.pendingData.reset();
     Report({thread.index, StopReason::Shutdown, LinearRip(thread), 0, 0});
@@ -271,6 +271,13 @@ bool UnicornDomain::RunSlice(Thread& thread, bool stepping) {
   thread.state = RunState::Halted;
   Report(*stopEvent_);
   return true;
+}
+
+bool UnicornDomain::ExecutedHlt(Thread& thread) {
+  constexpr uint8_t kHlt = 0xF4;
+  uint8_t opcode = 0;
+  const uint64_t rip = LinearRip(thread);
+  return rip > 0 && CopyPhysical(rip - 1, &opcode, 1, false) == CpuResult::Ok && opcode == kHlt;
 }
 
 void UnicornDomain::Report(const StopEvent& event) {
@@ -766,9 +773,17 @@ void UnicornDomain::RemoveStopListener(uint32_t id) {
   });
 }
 
+// The schedule starts again too, so that the domain runs the same way from
+// every reset.
+void UnicornDomain::RestartSchedule() {
+  std::sort(threads_.begin(), threads_.end(), [](const auto& a, const auto& b) { return a->index < b->index; });
+  turnOwner_ = nullptr;
+}
+
 CpuResult UnicornDomain::Reset(ResetMode mode) {
   return Serve([&] {
     machine_->Reset();
+    RestartSchedule();
     for (auto& thread : threads_) {
       ResetThread(*thread);
       thread->state = mode == ResetMode::Run ? RunState::Running : RunState::Halted;

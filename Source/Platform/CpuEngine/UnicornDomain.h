@@ -9,9 +9,10 @@
 // thread's turn is kSliceBlocks blocks; a slice ends at the end of the turn,
 // when a request arrives (a flag a block hook reads, which calls uc_emu_stop
 // itself: never from another thread), at a stop, or when the thread executes
-// HLT. A turn cut short by a request goes on after it, so when requests come
-// does not change which thread runs which instructions: started from the
-// same state, the domain runs the same way. Runs are never counted
+// HLT. A turn cut short by a request, or by a halt of every thread, goes on
+// after it, so when requests come does not change which thread runs which
+// instructions: started from the same state (the schedule's included, which
+// a reset starts again), the domain runs the same way. Runs are never counted
 // (count = 0): a counted run throws away every translation.
 #pragma once
 
@@ -103,11 +104,13 @@ class UnicornDomain final : public CpuBackend {
   Thread* NextRunnable();
   bool RunSlice(Thread& thread, bool stepping);
   void Report(const StopEvent& event);
+  bool ExecutedHlt(Thread& thread);
 
   // ---- Helpers for the domain's thread --------------------------------------
   Thread* FindThread(uint32_t index);
   static uc_context* SaveResetState();
   void ResetThread(Thread& thread);
+  void RestartSchedule();
   uint64_t LinearRip(Thread& thread);
   void SetLinearRip(Thread& thread, uint64_t linear);
   // Translations of every mapped region, of one engine or all of them.

@@ -2,7 +2,8 @@
 // status. Both actions run as a receipt's work on a worker thread:
 // - "ResetTarget" announces the reset ("Asserted", then "Deasserted" when it
 //   is done) and restarts every thread of the port's target domain from its
-//   reset vector; RAM keeps its contents, IO devices are reset.
+//   reset vector; RAM keeps its contents, IO devices are reset. The threads
+//   halt at their reset state where the reset break or "Init" says so.
 // - "PowerCycleTarget" announces "Off", reads as unpowered, halts the
 //   threads and clears RAM (what a real power loss does to DRAM), restarts
 //   the threads from their reset vector and announces "On". What keeps its
@@ -21,6 +22,7 @@
 #include "OperationReceipt/Receipts.h"
 #include "PlatformControl/PlatformControlOperations.h"
 #include "PlatformControlTestControl.h"
+#include "RunControl/BreakConditions.h"
 #include "Support/ComponentCall.h"
 
 namespace voxtrel::platform::platform_control {
@@ -55,9 +57,9 @@ void SetPowered(uint32_t targetDomainId, bool powered) {
   }
 }
 
-std::shared_ptr<cpu::CpuBackend> BackendOf(uint32_t targetDomainId) {
+std::shared_ptr<const cpu::CpuDomain> DomainOf(uint32_t targetDomainId) {
   const cpu::CpuSelection selection = cpu::CpuDomains::Instance().Find(targetDomainId);
-  return selection.result == cpu::LookupResult::Ok ? selection.domain->backend : nullptr;
+  return selection.result == cpu::LookupResult::Ok ? selection.domain : nullptr;
 }
 
 ReceiptOutcome CpuFailed(cpu::CpuResult result, const std::string& what) {
@@ -78,8 +80,8 @@ bool ClearRam(cpu::CpuBackend& backend) {
 
 ReceiptOutcome ResetWork(uint32_t debugPortId, uint32_t targetDomainId) {
   events::PublishTargetResetEvent("Asserted", debugPortId);
-  if (const auto backend = BackendOf(targetDomainId)) {
-    if (const auto result = backend->Reset(cpu::ResetMode::Run); result != cpu::CpuResult::Ok)
+  if (const auto domain = DomainOf(targetDomainId)) {
+    if (const auto result = run_control::ResetAsConfigured(*domain); result != cpu::CpuResult::Ok)
       return CpuFailed(result, "resetting target domain " + HexId(targetDomainId));
   }
   events::PublishTargetResetEvent("Deasserted", debugPortId);
@@ -89,12 +91,13 @@ ReceiptOutcome ResetWork(uint32_t debugPortId, uint32_t targetDomainId) {
 ReceiptOutcome PowerCycleWork(uint32_t debugPortId, uint32_t targetDomainId) {
   SetPowered(targetDomainId, false);
   events::PublishTargetPowerEvent("Off", debugPortId);
-  if (const auto backend = BackendOf(targetDomainId)) {
+  if (const auto domain = DomainOf(targetDomainId)) {
+    cpu::CpuBackend* backend = domain->backend.get();
     if (const auto result = backend->HaltAll(); result != cpu::CpuResult::Ok)
       return CpuFailed(result, "powering off target domain " + HexId(targetDomainId));
     if (!ClearRam(*backend))
       return ReceiptOutcome::Failure(kActionFailed, "clearing the RAM of target domain " + HexId(targetDomainId) + " failed");
-    if (const auto result = backend->Reset(cpu::ResetMode::Run); result != cpu::CpuResult::Ok)
+    if (const auto result = run_control::ResetAsConfigured(*domain); result != cpu::CpuResult::Ok)
       return CpuFailed(result, "powering on target domain " + HexId(targetDomainId));
   }
   SetPowered(targetDomainId, true);

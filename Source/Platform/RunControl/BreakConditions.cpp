@@ -121,9 +121,7 @@ void ForgetBreakConditions() {
   conditions.clear();
 }
 
-bool ResetOnShutdown(const cpu::CpuDomain& domain, const cpu::StopEvent& stop) {
-  if (stop.reason != cpu::StopReason::Shutdown) return false;
-  if (ValuesOf(domain.threadDeviceIds[stop.threadIndex])[kShutdown] != 0) return false;
+cpu::CpuResult ResetAsConfigured(const cpu::CpuDomain& domain) {
   // The reset break of the domain or its debug port halts every thread,
   // "Init" the threads that have it.
   const bool resetBreak = platform_control::ConsumeResetBreak(domain.targetDomainId);
@@ -131,13 +129,17 @@ bool ResetOnShutdown(const cpu::CpuDomain& domain, const cpu::StopEvent& stop) {
   bool anyHalts = resetBreak;
   for (size_t i = 0; i < halts.size(); ++i)
     if (ValuesOf(domain.threadDeviceIds[i])[kInit] != 0) anyHalts = halts[i] = true;
-  if (!anyHalts) {
-    domain.backend->Reset(cpu::ResetMode::Run);
-    return true;
-  }
-  domain.backend->Reset(cpu::ResetMode::HaltAfterReset);
-  for (uint32_t i = 0; i < halts.size(); ++i)
+  if (!anyHalts) return domain.backend->Reset(cpu::ResetMode::Run);
+  const cpu::CpuResult result = domain.backend->Reset(cpu::ResetMode::HaltAfterReset);
+  for (uint32_t i = 0; i < halts.size() && result == cpu::CpuResult::Ok; ++i)
     if (!halts[i]) domain.backend->Go(i);
+  return result;
+}
+
+bool ResetOnShutdown(const cpu::CpuDomain& domain, const cpu::StopEvent& stop) {
+  if (stop.reason != cpu::StopReason::Shutdown) return false;
+  if (ValuesOf(domain.threadDeviceIds[stop.threadIndex])[kShutdown] != 0) return false;
+  ResetAsConfigured(domain);
   return true;
 }
 

@@ -22,6 +22,12 @@ uint32_t SetBreakCondition(uint32_t deviceId, const char* breakName, uint32_t va
 // Every condition back to its default (a new target).
 void ForgetBreakConditions();
 
+// Resets the domain from its reset vector: every thread halts at its reset
+// state if the reset break of the domain or its debug port says so (a break
+// for the next reset only is used up), the threads with "Init" set halt
+// there in any case, the others run.
+cpu::CpuResult ResetAsConfigured(const cpu::CpuDomain& domain);
+
 // A thread's shutdown that its conditions turn into a reset of its domain:
 // the domain is reset (halting after it as "Init" and the reset break say)
 // and true is given; the stop is then not announced. Called from the
