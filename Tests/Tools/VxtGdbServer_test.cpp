@@ -184,6 +184,7 @@ TEST_F(VxtGdbServer, HostilePacketsGetTheProtocolsAnswers) {
       {"qXfer:features:read:other.xml:0,10", "E00"},
       {"qXfer:features:read:target.xml:zz", "E00"},
       {"qXfer:features:read:target.xml:ffffff,10", "l"},
+      {"qXfer:memory-map:read::0,fff", ""},     // no service gives the map: not offered
       {"qRcmd,zz", "E01"},
       {"vCont;x", "E01"},
       {"vCont;s:9", "E01"},
