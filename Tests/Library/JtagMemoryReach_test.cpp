@@ -22,20 +22,20 @@ class JtagMemoryReach : public JtagTest {
     JtagTest::SetUp();
     memory = GetServiceAs<IInternalService_Memory>(VXT_Service_Memory);
   }
-  void SelectAddress(uint64_t address) { Scan(kUncoreTap, 6, kMemAddress, 64, address); }
+  void SelectAddress(uint64_t address) { Scan(kUncoreTap, 6, kMemAddress, 32, address); }
   // A data scan that shifts `value` in: its Update-DR writes it.
-  uint64_t ScanData(uint64_t value) { return Scan(kUncoreTap, 6, kMemData, 64, value); }
+  uint64_t ScanData(uint64_t value) { return Scan(kUncoreTap, 6, kMemData, 32, value); }
   // A data scan that shifts back what it captured, leaving memory as it was.
   uint64_t ReadData() {
     VXT_BitData ir = Vector(6, kMemData);
     uint64_t token = 0;
-    EXPECT_EQ(access->IrDrScanReplace(kUncoreTap, &ir, 64, nullptr, &token), VXT_SUCCESS);
+    EXPECT_EQ(access->IrDrScanReplace(kUncoreTap, &ir, 32, nullptr, &token), VXT_SUCCESS);
     return ValueOf(token);
   }
   std::optional<uint64_t> MemoryAt(uint64_t address) {
     const VXT_Address where{VXT_ADDRESS_SIZE, 0, 0, address, VXT_AddressType_Physical};
     uint64_t token = 0;
-    EXPECT_EQ(memory->ReadMemory(kThread, &where, 8, &token), VXT_SUCCESS);
+    EXPECT_EQ(memory->ReadMemory(kThread, &where, 4, &token), VXT_SUCCESS);
     VXT_Result failure = 0;
     EXPECT_EQ(receipts->GetOperationErrorResult(token, &failure), VXT_SUCCESS);
     if (failure != VXT_SUCCESS) {
@@ -46,9 +46,9 @@ class JtagMemoryReach : public JtagTest {
   }
   void WriteMemory(uint64_t address, uint64_t value) {
     const VXT_Address where{VXT_ADDRESS_SIZE, 0, 0, address, VXT_AddressType_Physical};
-    VXT_BitData data = Vector(64, value);
+    VXT_BitData data = Vector(32, value);
     uint64_t token = 0;
-    ASSERT_EQ(memory->WriteMemory(kThread, &where, 8, &data, &token), VXT_SUCCESS);
+    ASSERT_EQ(memory->WriteMemory(kThread, &where, 4, &data, &token), VXT_SUCCESS);
     VXT_Result failure = 0;
     EXPECT_EQ(receipts->GetOperationErrorResult(token, &failure), VXT_SUCCESS);
     EXPECT_EQ(failure, VXT_SUCCESS);
@@ -60,18 +60,18 @@ class JtagMemoryReach : public JtagTest {
 TEST_F(JtagMemoryReach, ScansAndTheMemoryServiceSeeTheSameBytes) {
   // A scan writes; the Memory service reads it back.
   SelectAddress(0x30000);
-  ScanData(0x1122334455667788);
-  EXPECT_EQ(MemoryAt(0x30000), 0x1122334455667788u);
+  ScanData(0x11223344);
+  EXPECT_EQ(MemoryAt(0x30000), 0x11223344u);
   // The Memory service writes; a scan captures it, and a replacing scan
   // leaves it there.
-  WriteMemory(0x30008, 0x0badcafe00c0ffee);
+  WriteMemory(0x30008, 0x00c0ffee);
   SelectAddress(0x30008);
-  EXPECT_EQ(ReadData(), 0x0badcafe00c0ffeeu);
-  EXPECT_EQ(MemoryAt(0x30008), 0x0badcafe00c0ffeeu);
+  EXPECT_EQ(ReadData(), 0x00c0ffeeu);
+  EXPECT_EQ(MemoryAt(0x30008), 0x00c0ffeeu);
   // A plain scan captures the old value as it writes the new one.
-  EXPECT_EQ(ScanData(42), 0x0badcafe00c0ffeeu);
+  EXPECT_EQ(ScanData(42), 0x00c0ffeeu);
   EXPECT_EQ(MemoryAt(0x30008), 42u);
-  EXPECT_EQ(MemoryAt(0x30000), 0x1122334455667788u) << "only the selected address changes";
+  EXPECT_EQ(MemoryAt(0x30000), 0x11223344u) << "only the selected address changes";
 }
 
 TEST_F(JtagMemoryReach, WhatNoRamTakesIsLostAndHolesReadAllOnes) {
@@ -84,10 +84,12 @@ TEST_F(JtagMemoryReach, WhatNoRamTakesIsLostAndHolesReadAllOnes) {
   for (const Case& item : cases) {
     SelectAddress(item.address);
     const uint64_t before = ReadData();
-    ScanData(0x5555aaaa5555aaaa);
+    ScanData(0x5555aaaa);
     EXPECT_EQ(ReadData(), before) << std::hex << item.address;
     EXPECT_EQ(MemoryAt(item.address), item.mapped ? std::optional(before) : std::nullopt) << std::hex << item.address;
-    if (!item.mapped) EXPECT_EQ(before, ~uint64_t{0});
+    if (!item.mapped) {
+      EXPECT_EQ(before, 0xffffffffu);
+    }
   }
 }
 
