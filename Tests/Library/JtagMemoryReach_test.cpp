@@ -25,23 +25,20 @@ class JtagMemoryReach : public JtagTest {
   void SelectAddress(uint64_t address) { Scan(kUncoreTap, 6, kMemAddress, 32, address); }
   // A data scan that shifts `value` in: its Update-DR writes it.
   uint64_t ScanData(uint64_t value) { return Scan(kUncoreTap, 6, kMemData, 32, value); }
-  // A data scan that shifts back what it captured, leaving memory as it was.
+  // A read-modify-write that changes no bit: the captured value, written
+  // back as it was.
   uint64_t ReadData() {
     VXT_BitData ir = Vector(6, kMemData);
+    VXT_BitData none = Vector(32, 0);
     uint64_t token = 0;
-    EXPECT_EQ(access->IrDrScanReplace(kUncoreTap, &ir, 32, nullptr, &token), VXT_SUCCESS);
+    EXPECT_EQ(access->IrDrScanReadModifyWrite(kUncoreTap, &ir, 32, &none, &none, &token), VXT_SUCCESS);
     return ValueOf(token);
   }
+  // Nullopt when the Memory service refuses the read (a hole).
   std::optional<uint64_t> MemoryAt(uint64_t address) {
     const VXT_Address where{VXT_ADDRESS_SIZE, 0, 0, address, VXT_AddressType_Physical};
     uint64_t token = 0;
-    EXPECT_EQ(memory->ReadMemory(kThread, &where, 4, &token), VXT_SUCCESS);
-    VXT_Result failure = 0;
-    EXPECT_EQ(receipts->GetOperationErrorResult(token, &failure), VXT_SUCCESS);
-    if (failure != VXT_SUCCESS) {
-      receipts->Destroy(token);
-      return std::nullopt;
-    }
+    if (memory->ReadMemory(kThread, &where, 4, &token) != VXT_SUCCESS) return std::nullopt;
     return ValueOf(token);
   }
   void WriteMemory(uint64_t address, uint64_t value) {
@@ -62,8 +59,8 @@ TEST_F(JtagMemoryReach, ScansAndTheMemoryServiceSeeTheSameBytes) {
   SelectAddress(0x30000);
   ScanData(0x11223344);
   EXPECT_EQ(MemoryAt(0x30000), 0x11223344u);
-  // The Memory service writes; a scan captures it, and a replacing scan
-  // leaves it there.
+  // The Memory service writes; a scan captures it, and a scan that changes
+  // no bit leaves it there.
   WriteMemory(0x30008, 0x00c0ffee);
   SelectAddress(0x30008);
   EXPECT_EQ(ReadData(), 0x00c0ffeeu);
