@@ -136,20 +136,27 @@ TEST_F(JtagTest, RandomWalksGiveTheTdoOfAnIndependentModel) {
       receipts->Destroy(token);
       for (const bool tms : Path(model.state(), target)) model.Clock(tms, true);
     } else {
-      // A shift of up to 64 bits, staying or leaving for Exit1 and beyond.
-      const uint32_t count = 1 + static_cast<uint32_t>(random() % 64);
-      const uint64_t tdi = random();
+      // A shift of up to 200 bits (longer than the path, across words at
+      // every offset), staying or leaving for Exit1 and beyond.
+      const uint32_t count = 1 + static_cast<uint32_t>(random() % 200);
+      std::vector<uint8_t> tdi((count + 7) / 8);
+      for (uint8_t& byte : tdi) byte = static_cast<uint8_t>(random());
       const int shiftState = model.state();
       const int end = random() % 2 ? shiftState : static_cast<int>(random() % 16);
-      VXT_BitData value = Vector(count, tdi);
+      VXT_BitData value = EmptyRecord();
+      ASSERT_EQ(bits->CreateFromRawBits(&value, count, tdi.data(), static_cast<uint32_t>(tdi.size())), VXT_SUCCESS);
       ASSERT_EQ(access->Shift(kChain, static_cast<VXT_JtagState>(end), count, &value, &token), VXT_SUCCESS);
-      uint64_t expected = 0;
+      std::vector<uint8_t> expected(tdi.size(), 0);
       for (uint32_t i = 0; i < count; ++i) {
         const bool last = i + 1 == count && end != shiftState;
-        if (model.Clock(last, ((tdi >> i) & 1) != 0)) expected |= uint64_t{1} << i;
+        if (model.Clock(last, ((tdi[i / 8] >> (i % 8)) & 1) != 0)) expected[i / 8] |= static_cast<uint8_t>(1u << (i % 8));
       }
       for (const bool tms : Path(model.state(), end)) model.Clock(tms, true);
-      ASSERT_EQ(ValueOf(token), expected);
+      std::vector<uint8_t> tdo(tdi.size());
+      uint32_t size = 0;
+      ASSERT_EQ(receipts->GetValueAsRawBytes(token, tdo.data(), static_cast<uint32_t>(tdo.size()), &size), VXT_SUCCESS);
+      receipts->Destroy(token);
+      ASSERT_EQ(tdo, expected);
       ASSERT_EQ(bits->Destroy(&value), VXT_SUCCESS);
     }
   }

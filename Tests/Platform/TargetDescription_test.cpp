@@ -120,6 +120,25 @@ TEST(TargetDescriptionTest, EachMistakeGivesItsWholeMessage) {
          d["targetDomains"][0]["debugPorts"][0]["jtagChains"][0]["tapControllers"][0]["idcode"] = "0x10000000";
        },
        tap + "/idcode", "an IDCODE has bit 0 set"},
+      {"register reaching something unknown",
+       [](Json& d) {
+         d["targetDomains"][0]["debugPorts"][0]["jtagChains"][0]["tapControllers"][0]["instructions"][0]["reaches"] =
+             "io";
+       },
+       tap + "/instructions/0/reaches", "a register reaches \"memoryAddress\" or \"memoryData\", not 'io'"},
+      {"memory data in part of a byte",
+       [](Json& d) {
+         auto& instructions = d["targetDomains"][0]["debugPorts"][0]["jtagChains"][0]["tapControllers"][0]["instructions"];
+         instructions.push_back(Json{{"name", "A"}, {"opcode", 2}, {"drLength", 32}, {"reaches", "memoryAddress"}});
+         instructions.push_back(Json{{"name", "D"}, {"opcode", 3}, {"drLength", 12}, {"reaches", "memoryData"}});
+       },
+       tap + "/instructions/3/drLength", "a \"memoryData\" register is 8 to 64 bits, whole bytes"},
+      {"memory data without an address",
+       [](Json& d) {
+         d["targetDomains"][0]["debugPorts"][0]["jtagChains"][0]["tapControllers"][0]["instructions"].push_back(
+             Json{{"name", "D"}, {"opcode", 3}, {"drLength", 32}, {"reaches", "memoryData"}});
+       },
+       tap + "/instructions", "a \"memoryData\" register needs a \"memoryAddress\" register in its TAP controller"},
       {"opcode wider than the IR",
        [](Json& d) {
          d["targetDomains"][0]["debugPorts"][0]["jtagChains"][0]["tapControllers"][0]["instructions"][1]["opcode"] =

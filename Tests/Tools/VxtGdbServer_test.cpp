@@ -127,6 +127,19 @@ TEST_F(VxtGdbServer, MonitorRunsSessionCommandsAndDetachLeavesTheTargetRunning) 
   ExpectRunningFreely();
 }
 
+TEST_F(VxtGdbServer, MonitorResetRestartsTheFirmware) {
+  if (!vxt::test::GdbInstalled()) GTEST_SKIP() << "gdb is not installed";
+  // Only the boot calls uart_init: the bootstrap thread meets it again
+  // once the reset has restarted it, while the command runs or after it.
+  const std::string output =
+      RunGdb(server.port(), {"symbol-file " VXT_FIRMWARE_ELF, "set breakpoint always-inserted on", "break uart_init",
+                             "monitor reset", "continue", "delete", "detach"});
+  EXPECT_NE(output.find("\nreset\n"), std::string::npos) << output;
+  EXPECT_TRUE(std::regex_search(output, std::regex(R"(Thread 1 hit Breakpoint 1, 0x[0-9a-f]+ in uart_init \(\))")))
+      << output;
+  ExpectRunningFreely();
+}
+
 TEST_F(VxtGdbServer, AnInterruptStopsTheRunningThreadsAndALeavingDebuggerTakesItsBreakpoints) {
   auto client = std::make_unique<RawGdbClient>(server.port());
   Interrupt(*client);
@@ -184,6 +197,7 @@ TEST_F(VxtGdbServer, HostilePacketsGetTheProtocolsAnswers) {
       {"qXfer:features:read:other.xml:0,10", "E00"},
       {"qXfer:features:read:target.xml:zz", "E00"},
       {"qXfer:features:read:target.xml:ffffff,10", "l"},
+      {"qXfer:memory-map:read::0,fff", ""},     // no service gives the map: not offered
       {"qRcmd,zz", "E01"},
       {"vCont;x", "E01"},
       {"vCont;s:9", "E01"},

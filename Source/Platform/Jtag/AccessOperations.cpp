@@ -190,8 +190,7 @@ uint32_t Scan(const char* operation, Flavour flavour, uint32_t id, const BitData
                      tdo = ScanDr(target, drBits);
                      if (flavour == Flavour::Replace) tdo = ScanDr(target, tdo);
                      if (flavour == Flavour::ReadModifyWrite) {
-                       Bits merged = tdo;
-                       for (size_t i = 0; i < merged.size(); ++i) merged[i] = mask[i] ? drBits[i] : tdo[i];
+                       const Bits merged = Select(mask, drBits, tdo);
                        ScanDr(target, merged);
                      }
                    }
@@ -272,7 +271,7 @@ uint32_t BundleScan(uint32_t id, const void* bundle, uint32_t bundleSize, uint64
                          break;
                      }
                      if (code != 0) return code;
-                     tdo.insert(tdo.end(), part.begin(), part.end());
+                     tdo.Append(part);
                    }
                    out = ReceiptOutcome::Success(ValueOf(tdo));
                    return 0u;

@@ -26,8 +26,7 @@ class Reader {
   bool Bits(uint32_t count, jtag::Bits& bits) {
     const uint64_t bytes = (uint64_t{count} + 7) / 8;
     if (bytes > size_ - offset_) return false;
-    bits.assign(count, false);
-    for (uint32_t i = 0; i < count; ++i) bits[i] = ((data_[offset_ + i / 8] >> (i % 8)) & 1u) != 0;
+    bits = jtag::BitsOf(data_ + offset_, count);
     offset_ += static_cast<uint32_t>(bytes);
     return true;
   }

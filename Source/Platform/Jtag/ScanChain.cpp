@@ -93,18 +93,16 @@ size_t ScanChain::PathLength() const {
 Bits ScanChain::Shift(const Bits& tdi, bool exitOnLast) {
   if (!IsShiftState(state_) || tdi.empty()) return {};
   Bits stream;
-  stream.reserve(PathLength() + tdi.size());
-  for (size_t i = taps_.size(); i-- > 0;) stream.insert(stream.end(), shiftRegisters_[i].begin(), shiftRegisters_[i].end());
-  stream.insert(stream.end(), tdi.begin(), tdi.end());
-  Bits tdo(stream.begin(), stream.begin() + static_cast<std::ptrdiff_t>(tdi.size()));
+  for (size_t i = taps_.size(); i-- > 0;) stream.Append(shiftRegisters_[i]);
+  stream.Append(tdi);
+  Bits tdo = stream.Slice(0, tdi.size());
   if (fault_ != ChainFault::None)
-    for (size_t i = 0; i < tdo.size(); ++i) tdo[i] = FaultyTdo(tdo[i], tdi[i], shiftedBits_ + i);
+    for (size_t i = 0; i < tdo.size(); ++i) tdo.Set(i, FaultyTdo(tdo[i], tdi[i], shiftedBits_ + i));
   shiftedBits_ += tdo.size();
   size_t position = tdi.size();
   for (size_t i = taps_.size(); i-- > 0;) {
     Bits& reg = shiftRegisters_[i];
-    std::copy(stream.begin() + static_cast<std::ptrdiff_t>(position),
-              stream.begin() + static_cast<std::ptrdiff_t>(position + reg.size()), reg.begin());
+    reg = stream.Slice(position, reg.size());
     position += reg.size();
   }
   if (exitOnLast) Enter(NextTapState(state_, true));

@@ -1,5 +1,7 @@
 #include "Jtag/Scans.h"
 
+#include <bit>
+
 namespace voxtrel::platform::jtag {
 namespace {
 
@@ -9,15 +11,13 @@ constexpr size_t kMarkerBits = 32;
 // come through a corrupting path.
 constexpr size_t kCorruptionTolerance = 6;
 
-void Append(Bits& to, const Bits& bits) { to.insert(to.end(), bits.begin(), bits.end()); }
-
 // The target's bits at its place in a chain-wide stream, the other TAPs'
 // given by `other(tapIndex)`, from the TDO end.
 template <class Other>
 Bits Spread(const ChainTarget& target, const Bits& own, Other other) {
   if (target.WholeChain()) return own;
   Bits stream;
-  for (size_t i = target.chain.Taps().size(); i-- > 0;) Append(stream, i == target.tap ? own : other(i));
+  for (size_t i = target.chain.Taps().size(); i-- > 0;) stream.Append(i == target.tap ? own : other(i));
   return stream;
 }
 
@@ -26,10 +26,11 @@ size_t DrOffset(const ChainTarget& target) {
   return target.WholeChain() ? 0 : target.chain.Taps().size() - 1 - target.tap;
 }
 
+// `expected` is at most 64 bits long.
 size_t Mismatches(const Bits& seen, size_t offset, const Bits& expected, bool inverted) {
-  size_t count = 0;
-  for (size_t i = 0; i < expected.size(); ++i) count += (seen[offset + i] != inverted) != expected[i] ? 1 : 0;
-  return count;
+  const uint64_t mask = expected.size() >= 64 ? ~uint64_t{0} : (uint64_t{1} << expected.size()) - 1;
+  const uint64_t differing = (seen.Word(offset) ^ (inverted ? ~uint64_t{0} : 0) ^ expected.Word(0)) & mask;
+  return static_cast<size_t>(std::popcount(differing));
 }
 
 }  // namespace
@@ -50,8 +51,7 @@ Bits ScanIr(ChainTarget& target, const Bits& ir) {
   if (target.WholeChain()) return tdo;
   size_t offset = 0;
   for (size_t i = taps.size() - 1; i > target.tap; --i) offset += taps[i].IrLength();
-  return Bits(tdo.begin() + static_cast<std::ptrdiff_t>(offset),
-              tdo.begin() + static_cast<std::ptrdiff_t>(offset + ir.size()));
+  return tdo.Slice(offset, ir.size());
 }
 
 bool HoldsInstruction(const ChainTarget& target, const Bits& ir) {
@@ -60,9 +60,7 @@ bool HoldsInstruction(const ChainTarget& target, const Bits& ir) {
   size_t offset = 0;
   for (size_t i = taps.size(); i-- > 0;) {
     const uint32_t length = taps[i].IrLength();
-    Bits own(stream.begin() + static_cast<std::ptrdiff_t>(offset),
-             stream.begin() + static_cast<std::ptrdiff_t>(offset + length));
-    if (NumberOf(own) != taps[i].Instruction()) return false;
+    if (NumberOf(stream.Slice(offset, length)) != taps[i].Instruction()) return false;
     offset += length;
   }
   return true;
@@ -74,8 +72,7 @@ Bits ScanDr(ChainTarget& target, const Bits& dr) {
   Bits tdo = target.chain.Shift(stream, true);
   target.chain.MoveTo(TapState::RTI);
   const size_t offset = DrOffset(target);
-  return Bits(tdo.begin() + static_cast<std::ptrdiff_t>(offset),
-              tdo.begin() + static_cast<std::ptrdiff_t>(offset + dr.size()));
+  return tdo.Slice(offset, dr.size());
 }
 
 PathReading ReadPath(ScanChain& chain, size_t maxLength) {
@@ -86,9 +83,7 @@ PathReading ReadPath(ScanChain& chain, size_t maxLength) {
   const Bits seen = chain.Shift(sent, false);
 
   PathReading reading;
-  bool allOnes = true;
-  for (const bool bit : seen) allOnes = allOnes && bit;
-  if (allOnes) {
+  if (seen.AllOnes()) {
     reading.traits = kOpen;
     return reading;
   }
@@ -118,7 +113,7 @@ PathReading ReadPath(ScanChain& chain, size_t maxLength) {
     if (!closest) return reading;
     reading.length = closest;
   }
-  reading.captured.assign(seen.begin(), seen.begin() + static_cast<std::ptrdiff_t>(*reading.length));
+  reading.captured = seen.Slice(0, *reading.length);
   if (closestInverted) reading.captured.flip();
   chain.Shift(reading.captured, false);
   return reading;

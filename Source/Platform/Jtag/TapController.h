@@ -4,6 +4,11 @@
 // all ones) selects the one-bit bypass register, which captures 0; IDCODE
 // captures the IDCODE, USERCODE the user code; any other instruction
 // selects a register of its own, with its reset value and read-only bits.
+//
+// A register that reaches "memoryData" is the domain's physical memory at
+// the address its "memoryAddress" register holds: Capture-DR reads the
+// register's bytes there (all ones where nothing answers, as a floating
+// bus reads) and Update-DR writes them (a write nothing takes is lost).
 #pragma once
 
 #include <cstdint>
@@ -41,9 +46,15 @@ class TapController {
   };
   // The instruction behind the current opcode; null for BYPASS.
   const target::TapInstruction* Selected() const;
+  size_t IndexOf(const target::TapInstruction* instruction) const {
+    return static_cast<size_t>(instruction - details_.instructions.data());
+  }
+  // The physical address the "memoryAddress" register holds.
+  uint64_t MemoryAddress() const;
 
   uint32_t id_;
   std::string identifier_;
+  uint32_t targetDomainId_;
   target::TapControllerDetails details_;
   uint64_t instruction_ = 0;
   std::vector<Register> registers_;  // By instruction index

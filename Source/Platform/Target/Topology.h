@@ -45,6 +45,10 @@ struct TapInstruction {
   // than IDCODE, USERCODE and BYPASS.
   uint64_t resetValue = 0;
   uint64_t readOnlyMask = 0;
+  // What the register reaches beyond the TAP: the domain's physical memory
+  // at the address register's value, through the data register.
+  enum class Reach : uint8_t { None, MemoryAddress, MemoryData };
+  Reach reaches = Reach::None;
 };
 
 struct VOXTREL_PLATFORM_API TapControllerDetails {

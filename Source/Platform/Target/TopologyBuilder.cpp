@@ -365,7 +365,7 @@ class Builder {
     std::set<uint64_t> opcodes;
     for (size_t position = 0; position < instructions.size(); ++position) {
       const std::string instructionPlace = PlaceOf(object.Place("instructions"), position);
-      const ObjectReader reader(instructions[position], instructionPlace, {"name", "opcode", "drLength", "resetValue", "readOnlyMask"});
+      const ObjectReader reader(instructions[position], instructionPlace, {"name", "opcode", "drLength", "resetValue", "readOnlyMask", "reaches"});
       TapInstruction instruction;
       instruction.name = reader.RequiredString("name", kMaxIdentifierLength);
       if (!IsInstructionName(instruction.name))
@@ -380,10 +380,37 @@ class Builder {
       if (reader.Find("resetValue")) instruction.resetValue = reader.RequiredUnsigned("resetValue", 0, ~uint64_t{0});
       if (reader.Find("readOnlyMask"))
         instruction.readOnlyMask = reader.RequiredUnsigned("readOnlyMask", 0, ~uint64_t{0});
+      if (reader.Find("reaches")) ReadReach(reader, tap, instruction);
       tap.instructions.push_back(std::move(instruction));
     }
+    if (FindReach(tap, TapInstruction::Reach::MemoryData) && !FindReach(tap, TapInstruction::Reach::MemoryAddress))
+      Fail(object.Place("instructions"), "a \"memoryData\" register needs a \"memoryAddress\" register in its TAP controller");
     tap.resetInstruction = FindResetInstruction(object, tap);
     nodes_[index].details = std::move(tap);
+  }
+
+  static bool FindReach(const TapControllerDetails& tap, TapInstruction::Reach reach) {
+    for (const TapInstruction& instruction : tap.instructions)
+      if (instruction.reaches == reach) return true;
+    return false;
+  }
+
+  // "memoryAddress" (at most 64 bits) or "memoryData" (whole bytes, at most
+  // 64 bits), one of each per TAP controller.
+  static void ReadReach(const ObjectReader& reader, const TapControllerDetails& tap, TapInstruction& instruction) {
+    const std::string reach = reader.RequiredString("reaches", kMaxIdentifierLength);
+    if (reach == "memoryAddress")
+      instruction.reaches = TapInstruction::Reach::MemoryAddress;
+    else if (reach == "memoryData")
+      instruction.reaches = TapInstruction::Reach::MemoryData;
+    else
+      Fail(reader.Place("reaches"), "a register reaches \"memoryAddress\" or \"memoryData\", not '" + reach + "'");
+    if (FindReach(tap, instruction.reaches))
+      Fail(reader.Place("reaches"), "only one register of a TAP controller reaches '" + reach + "'");
+    const bool data = instruction.reaches == TapInstruction::Reach::MemoryData;
+    if (instruction.drLength > 64 || (data && instruction.drLength % 8 != 0))
+      Fail(reader.Place("drLength"), data ? "a \"memoryData\" register is 8 to 64 bits, whole bytes"
+                                          : "a \"memoryAddress\" register is at most 64 bits");
   }
 
   // "resetInstruction", else IDCODE, else BYPASS: what Test-Logic-Reset selects.

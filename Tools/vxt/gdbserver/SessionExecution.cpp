@@ -134,11 +134,7 @@ bool GdbSession::StillStands(const Stop& stop) {
   if (stop.eventType != VXT_RunControlEvent_Breakpoint || stop.data) return false;
   const bool set = std::any_of(breakpoints_.begin(), breakpoints_.end(),
                                [&](const auto& entry) { return entry.second == stop.breakpointId; });
-  const auto rip = target_.ReadRegister(stop.thread, GdbRegisters()[GdbRegisterIndex("rip")]);
-  uint64_t address = 0;
-  if (rip)
-    for (size_t i = rip->size(); i-- > 0;) address = address << 8 | (*rip)[i];
-  return set && rip && address == stop.address;
+  return set && target_.LinearPc(stop.thread) == stop.address;
 }
 
 void GdbSession::Interrupt() {

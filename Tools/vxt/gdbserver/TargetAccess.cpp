@@ -109,6 +109,20 @@ std::vector<std::optional<std::vector<uint8_t>>> TargetAccess::ReadRegisters(uin
   return values;
 }
 
+std::optional<uint64_t> TargetAccess::LinearPc(uint32_t thread) {
+  uint64_t address = 0;
+  for (const char* name : {"cs_base", "rip"}) {
+    uint64_t token = 0;
+    if (registers_.ReadRegister(thread, name, &token) != VXT_SUCCESS) return std::nullopt;
+    const auto bytes = Value(token);
+    if (!bytes) return std::nullopt;
+    uint64_t value = 0;
+    for (size_t i = std::min<size_t>(bytes->size(), 8); i-- > 0;) value = value << 8 | (*bytes)[i];
+    address += value;
+  }
+  return address;
+}
+
 bool TargetAccess::WriteVector(const std::vector<uint8_t>& bytes, uint32_t bits, VXT_BitData& vector) {
   vector = VXT_BitData{VXT_BITDATA_SIZE, 0, 0};
   return bitData_.CreateFromRawBits(&vector, bits, bytes.data(), static_cast<uint32_t>(bytes.size())) ==

@@ -31,6 +31,9 @@ class TargetAccess {
   // Every register of the table in one request.
   std::vector<std::optional<std::vector<uint8_t>>> ReadRegisters(uint32_t thread);
   bool WriteRegister(uint32_t thread, const GdbRegister& reg, const std::vector<uint8_t>& bytes);
+  // The linear address of the thread's next instruction (cs base + rip:
+  // in real mode after a reset they differ).
+  std::optional<uint64_t> LinearPc(uint32_t thread);
 
   // Linear addresses of the thread.
   std::optional<std::vector<uint8_t>> ReadMemory(uint32_t thread, uint64_t address, uint32_t length);
