@@ -107,6 +107,8 @@ class Arena {
     std::memset(slot, 0, kCleared);
     return slot;
   }
+  // The slot as the last call left it.
+  const uint8_t* Peek(size_t index) const { return base_ + (index % kSlots) * kSlot; }
 
  private:
   uint8_t* base_ = nullptr;
