@@ -222,10 +222,13 @@ class SequenceRunner {
     }
     WorkerFor(who & 1).Run(work, what);
     if (!IsPublic(result)) outcome_.problems.push_back(what + " returned " + Hex(result) + ", no public code");
+    // To read what a failing input does: VXT_FUZZ_VERBOSE=1 lists its calls.
+    if (verbose_) std::fprintf(stderr, "fuzz: thread %u client %u %s: %s\n", who & 1, clientId, what.c_str(), Hex(result).c_str());
     voxtrel::testing::ClearCapturedTrace();
   }
 
   ByteReader input_;
+  const bool verbose_ = std::getenv("VXT_FUZZ_VERBOSE") != nullptr;
   CallState state_;
   SequenceOutcome outcome_;
 };
@@ -240,11 +243,6 @@ int OperationSelector(const std::string& service, const std::string& name) {
     if (service == operations[index].service && name == operations[index].name)
       return static_cast<int>(kFirstOperation + index);
   return -1;
-}
-
-size_t ParameterCount(uint16_t selector) {
-  if (selector < kFirstOperation || size_t{selector} - kFirstOperation >= Operations().size()) return 0;
-  return Operations()[selector - kFirstOperation].kinds.size();
 }
 
 std::vector<uint32_t> RecordSizes() {

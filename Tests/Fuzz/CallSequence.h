@@ -35,7 +35,6 @@ SequenceOutcome RunCallSequence(const uint8_t* data, size_t size);
 
 // The selector of an operation ("Memory", "Read"); -1 when none is declared.
 int OperationSelector(const std::string& service, const std::string& name);
-size_t ParameterCount(uint16_t selector);
 
 // The sizes of every record an operation takes, for the dictionary.
 std::vector<uint32_t> RecordSizes();

@@ -44,9 +44,11 @@ class Sequence {
 };
 
 // Choice bytes: a number's 0 is the latest word a call wrote (a token, a
-// handle), 4 the first thread; a pointer's 0 is zeroed room, 1 then 2 the
-// string "rip", 5 then 0 the latest word.
-constexpr uint8_t kLatest = 0, kThread = 4, kRoom = 0, kString = 1, kRip = 2, kWord = 5;
+// handle), 1 the one before, 4 the first thread; a pointer's 0 is zeroed
+// room, 1 then 2 the string "rip", 2 then N the N-th latest record written,
+// 5 then 0 the latest word.
+constexpr uint8_t kLatest = 0, kBeforeLatest = 1, kThread = 4, kRoom = 0, kString = 1, kRip = 2, kRecord = 2,
+                  kWord = 5;
 
 std::vector<Sequence> Seeds() {
   std::vector<Sequence> seeds;
@@ -56,14 +58,14 @@ std::vector<Sequence> Seeds() {
                       .Connect().Finish()
                       .Call("RunControl", "Halt", {kThread, kRoom})
                       .Call("OperationReceipt", "GetOperationStatus", {kLatest, kRoom})
-                      .Call("OperationReceipt", "Destroy", {kLatest})
+                      .Call("OperationReceipt", "Destroy", {kBeforeLatest})
                       .Call("Register", "ReadRegister", {kThread, kString, kRip, kRoom})
                       .Call("OperationReceipt", "GetValueAsUInt64", {kLatest, kRoom})
-                      .Call("OperationReceipt", "Destroy", {kLatest})
+                      .Call("OperationReceipt", "Destroy", {kBeforeLatest})
                       .Call("BitData", "CreateFromRawBits", {0, kRoom, 3, kRoom, 3})
-                      .Call("Register", "WriteRegister", {kThread, kString, kRip, 1, 0, kRoom})
-                      .Call("BitData", "Destroy", {0, 2, 0})
-                      .Call("RunControl", "Step", {kThread, 0, 0, kRoom})
+                      .Call("Register", "WriteRegister", {kThread, kString, kRip, 0, kRecord, 0, kRoom})
+                      .Call("BitData", "Destroy", {0, kRecord, 1})
+                      .Call("RunControl", "Step", {kThread, 1, 0, kRoom})
                       .Call("Breakpoint", "CreateBreakpoint", {0, kRoom})
                       .Call("RunControl", "Go", {kThread, kRoom})
                       .Call("RunControl", "Halt", {kThread, kRoom})
