@@ -164,22 +164,12 @@ class ArgumentPool {
   std::deque<std::array<uint8_t, kRecordBytes>> records_;
 };
 
-template <class R, class... A>
-R Ignore(A...) {
-  if constexpr (!std::is_void_v<R>) return R{};
-}
-
-template <class R, class... A>
-constexpr auto IgnoringCallback(R (*)(A...)) {
-  return &Ignore<R, A...>;
-}
-
 // One argument of type T for the parameter `name`, its memory in `slot`.
 template <class T>
 T MakeArgument(const std::string& name, uint8_t* slot, ArgumentPool& pool, ByteReader& input) {
   constexpr sweep::ArgKind kind = sweep::KindOf<T>();
   if constexpr (kind == sweep::ArgKind::Callback) {
-    return input.Byte() % 2 == 0 ? IgnoringCallback(static_cast<T>(nullptr)) : nullptr;
+    return input.Byte() % 2 == 0 ? sweep::NoCallback(static_cast<T>(nullptr)) : nullptr;
   } else if constexpr (kind == sweep::ArgKind::Record) {
     return pool.MakeRecord<std::remove_cv_t<std::remove_pointer_t<T>>>(slot, input);
   } else if constexpr (kind == sweep::ArgKind::Pointer) {
