@@ -36,15 +36,16 @@ class ByteReader {
 };
 
 // What a number is for, read from the parameter's name: a count or offset
-// the client declares for its own memory stays small, a timeout stays short
-// (a hang is then the library's), anything else is an id, a handle or a value.
-enum class Role { Count, Timeout, Other };
+// the client declares for its own memory stays small, a timeout or pulse
+// stays short (a hang is then the library's), anything else is an id, a
+// handle or a value.
+enum class Role { Count, Duration, Other };
 
 inline Role RoleOf(const std::string& name) {
   auto has = [&](const char* part) { return name.find(part) != std::string::npos; };
-  if (has("imeout")) return Role::Timeout;
+  if (has("imeout") || has("Width")) return Role::Duration;
   if (name.rfind("num", 0) == 0 || name.rfind("max", 0) == 0 || has("Count") || has("count") || has("Size") ||
-      has("Offset") || has("Length") || has("cnt") || has("Bits") || name == "i" || name == "phases")
+      has("Offset") || has("Length") || has("cnt") || has("Bits") || has("bits") || name == "i" || name == "phases")
     return Role::Count;
   return Role::Other;
 }
@@ -58,9 +59,9 @@ class ArgumentPool {
   T Number(Role role, ByteReader& input) {
     const uint8_t choice = input.Byte();
     uint64_t value = 0;
-    if (role == Role::Timeout) {
-      static constexpr uint64_t kTimeouts[] = {0, 1, 20};
-      value = kTimeouts[choice % 3];
+    if (role == Role::Duration) {
+      static constexpr uint64_t kDurations[] = {0, 1, 20};
+      value = kDurations[choice % 3];
     } else if (role == Role::Count) {
       static constexpr uint64_t kCounts[] = {1, 0, 2, 8, 64, 3, 33, ~uint64_t{0}};
       value = kCounts[choice % 8];
