@@ -144,7 +144,7 @@ T MakeArg(size_t index, const Variant& variant, Arena& arena) {
     }
     return reinterpret_cast<T>(slot);
   } else if constexpr (kind == ArgKind::Number || kind == ArgKind::SignedNumber || kind == ArgKind::Enumeration) {
-    using Raw = std::conditional_t<std::is_enum_v<T>, std::underlying_type<T>, std::type_identity<T>>::type;
+    using Raw = typename std::conditional_t<std::is_enum_v<T>, std::underlying_type<T>, std::type_identity<T>>::type;
     Raw value = 1;
     if (hostile && variant.mutation == Mutation::Zero) value = 0;
     if (hostile && variant.mutation == Mutation::AllOnes) value = static_cast<Raw>(~uint64_t{0});
