@@ -181,7 +181,11 @@ class SequenceRunner {
     voxtrel::testing::SetLogLevel(1);
     voxtrel::testing::StartTraceCapture();
     while (!input_.empty() && outcome_.calls < kMaxCalls) Step();
-    for (uint32_t clientId : {1u, 2u}) WorkerFor(0).Run([clientId] { Disconnect(clientId); }, "Disconnect");
+    // An id connected twice stands twice among the clients: it leaves once
+    // per connection.
+    for (uint32_t clientId : {1u, 2u})
+      for (; connections_[clientId] > 0; --connections_[clientId])
+        WorkerFor(0).Run([clientId] { Disconnect(clientId); }, "Disconnect");
     if (IsConnected() != 0) outcome_.problems.push_back("a client is still connected after every Disconnect");
     voxtrel::testing::ResetTestControl();
     return outcome_;
@@ -221,6 +225,8 @@ class SequenceRunner {
       };
     }
     WorkerFor(who & 1).Run(work, what);
+    if (selector == kStartNewInstance && result == VXT_SUCCESS) ++connections_[clientId];
+    if (selector == kDisconnect && result == VXT_SUCCESS && connections_[clientId] > 0) --connections_[clientId];
     if (!IsPublic(result)) outcome_.problems.push_back(what + " returned " + Hex(result) + ", no public code");
     // To read what a failing input does: VXT_FUZZ_VERBOSE=1 lists its calls.
     if (verbose_) std::fprintf(stderr, "fuzz: thread %u client %u %s: %s\n", who & 1, clientId, what.c_str(), Hex(result).c_str());
@@ -231,6 +237,7 @@ class SequenceRunner {
   const bool verbose_ = std::getenv("VXT_FUZZ_VERBOSE") != nullptr;
   CallState state_;
   SequenceOutcome outcome_;
+  uint32_t connections_[3] = {};  // per client id 1 and 2
 };
 
 }  // namespace
