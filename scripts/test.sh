@@ -38,3 +38,7 @@ for preset in dev asan tsan; do
     Tests/Package/check-installed-vxt.sh build/package/prefix build/package
   fi
 done
+# The call-sequence fuzzer, for a minute, from its seeds: a failure stops
+# the script with the input written to build/fuzz/findings/.
+echo "=== fuzz: build the fuzzer, run it for 60 s"
+scripts/fuzz.sh 60

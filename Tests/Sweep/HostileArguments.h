@@ -107,6 +107,8 @@ class Arena {
     std::memset(slot, 0, kCleared);
     return slot;
   }
+  // The slot as the last call left it.
+  const uint8_t* Peek(size_t index) const { return base_ + (index % kSlots) * kSlot; }
 
  private:
   uint8_t* base_ = nullptr;
@@ -142,7 +144,7 @@ T MakeArg(size_t index, const Variant& variant, Arena& arena) {
     }
     return reinterpret_cast<T>(slot);
   } else if constexpr (kind == ArgKind::Number || kind == ArgKind::SignedNumber || kind == ArgKind::Enumeration) {
-    using Raw = std::conditional_t<std::is_enum_v<T>, std::underlying_type<T>, std::type_identity<T>>::type;
+    using Raw = typename std::conditional_t<std::is_enum_v<T>, std::underlying_type<T>, std::type_identity<T>>::type;
     Raw value = 1;
     if (hostile && variant.mutation == Mutation::Zero) value = 0;
     if (hostile && variant.mutation == Mutation::AllOnes) value = static_cast<Raw>(~uint64_t{0});
