@@ -241,6 +241,15 @@ TEST_F(PlatformControlTest, AResetHaltsAtTheResetVectorAsTheResetBreakSays) {
     }
     if (c.halts) Done(runControl->GoAll(&token), token);
   }
+
+  // A reset pulse on the debug port's pins is a reset like any other.
+  ASSERT_EQ(breaks->SetBreakCondition(kTargetDomain, "Reset", 1), 0) << GetLastErrorMessage();
+  auto* pins = Service<IInternalService_InterfacePins>(VXT_Service_InterfacePins);
+  ASSERT_EQ(pins->PulsePinState(0x12000000, VXT_PinsSignal_Reset, VXT_PinsState_Assert, 1), 0) << GetLastErrorMessage();
+  for (const uint32_t thread : {kFirstThread, kSecondThread}) {
+    EXPECT_EQ(Status(thread), VXT_RunStatus_Halted);
+    EXPECT_EQ(Rip(thread), 0xFFF0u);
+  }
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "Cpu/CpuBackend.h"
 #include "Cpu/CpuDomains.h"
+#include "RunControl/BreakConditions.h"
 
 namespace voxtrel::platform::pins {
 namespace {
@@ -78,12 +79,13 @@ void DrivePin(const Node& device, VXT_PinsSignal signal, VXT_PinsState state) {
     pins.states[{device.id, signal}] = state;
   }
   if (state != VXT_PinsState_Assert) return;
-  const std::shared_ptr<cpu::CpuBackend> backend = BackendOf(device);
-  if (!backend) return;
-  // Reset restarts every thread of the domain; a probe-mode request halts
+  const cpu::CpuSelection selection = cpu::CpuDomains::Instance().Find(device.targetDomainId);
+  if (selection.result != cpu::LookupResult::Ok) return;
+  // Reset restarts the threads of the domain, halting those the reset break
+  // and "Init" hold, as any other reset does; a probe-mode request halts
   // them, as the threads enter probe mode.
-  if (signal == VXT_PinsSignal_Reset) backend->Reset(cpu::ResetMode::Run);
-  if (signal == VXT_PinsSignal_PREQ) backend->HaltAll();
+  if (signal == VXT_PinsSignal_Reset) run_control::ResetAsConfigured(*selection.domain);
+  if (signal == VXT_PinsSignal_PREQ) selection.domain->backend->HaltAll();
 }
 
 }  // namespace voxtrel::platform::pins
