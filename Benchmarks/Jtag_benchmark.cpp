@@ -48,7 +48,7 @@ void ServiceScan(benchmark::State& state) {
   bits->Destroy(&ir);
   bits->Destroy(&dr);
 }
-BENCHMARK(ServiceScan)->Arg(32)->Arg(4096);
+BENCHMARK(ServiceScan)->Arg(32)->Arg(4096)->Arg(65536);
 
 int FreePort() {
   const int fd = ::socket(AF_INET, SOCK_STREAM, 0);
