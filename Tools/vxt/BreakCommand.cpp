@@ -13,6 +13,7 @@
 
 #include "CommandRegistry.h"
 #include "DeviceNames.h"
+#include "NumberArguments.h"
 #include "ThreadView.h"
 
 namespace vxt::cli {
@@ -23,18 +24,6 @@ IInternalService_Breakpoint& Breakpoints() {
 }
 IInternalService_BreakpointManagement& Management() {
   return Session::Get<IInternalService_BreakpointManagement>(VXT_Service_BreakpointManagement);
-}
-
-uint64_t NumberArgument(const std::string& text, uint64_t max, const char* what) {
-  size_t used = 0;
-  uint64_t value = 0;
-  try {
-    value = std::stoull(text, &used, 0);
-  } catch (const std::logic_error&) {
-    used = 0;
-  }
-  if (used == 0 || used != text.size() || value > max) throw std::invalid_argument("'" + text + "' is no " + what);
-  return value;
 }
 
 // The device a breakpoint is set on: the one named, else the first domain.
@@ -97,13 +86,13 @@ int Break(const CommandArguments& arguments, const SessionOptions& options, std:
   }
   if (action == "add") {
     VXT_Breakpoint record = NewRecord(BreakDevice(devices, arguments.text.at("thread")),
-                                      NumberArgument(values[0], UINT64_MAX, "address"));
+                                      ParseNumber(values[0], UINT64_MAX, "address"));
     record.breakpointType = VXT_BreakpointType_HW_Exec;
     Check(Breakpoints().CreateBreakpoint(&record), "CreateBreakpoint");
     out << "breakpoint " << record.breakpointId << " at " << AddressText(record.breakpointAddress) << '\n';
     return 0;
   }
-  const auto id = static_cast<uint32_t>(NumberArgument(values[0], UINT32_MAX, "breakpoint id"));
+  const auto id = static_cast<uint32_t>(ParseNumber(values[0], UINT32_MAX, "breakpoint id"));
   if (action == "enable") Check(Management().EnableBreakpoint(id), "EnableBreakpoint");
   if (action == "disable") Check(Management().DisableBreakpoint(id), "DisableBreakpoint");
   if (action == "remove") Check(Breakpoints().RemoveBreakpointById(id), "RemoveBreakpointById");
@@ -118,13 +107,13 @@ int Watch(const CommandArguments& arguments, const SessionOptions& options, std:
   const std::string access = values.size() > 1 ? values[1] : "write";
   if (access != "write" && access != "access")
     throw std::invalid_argument("unknown access '" + access + "' (write or access)");
-  const uint64_t length = values.size() > 2 ? NumberArgument(values[2], 8, "length (1, 2, 4 or 8)") : 1;
+  const uint64_t length = values.size() > 2 ? ParseNumber(values[2], 8, "length (1, 2, 4 or 8)") : 1;
   const uint32_t sizeCode = length == 1 ? 0 : length == 2 ? 1 : length == 4 ? 2 : length == 8 ? 3 : 4;
   if (sizeCode == 4) throw std::invalid_argument("'" + values[2] + "' is no length (1, 2, 4 or 8)");
   Session session(options);
   auto& devices = session.Get<IInternalService_Device>(VXT_Service_Device);
   VXT_Breakpoint record =
-      NewRecord(BreakDevice(devices, arguments.text.at("thread")), NumberArgument(values[0], UINT64_MAX, "address"));
+      NewRecord(BreakDevice(devices, arguments.text.at("thread")), ParseNumber(values[0], UINT64_MAX, "address"));
   record.breakpointType = access == "write" ? VXT_BreakpointType_HW_Write : VXT_BreakpointType_HW_Access;
   record.dataSize = static_cast<VXT_BreakpointDataSize>(sizeCode);
   Check(Breakpoints().CreateBreakpoint(&record), "CreateBreakpoint");
