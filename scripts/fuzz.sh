@@ -3,6 +3,7 @@
 # it for SECONDS (default 60) against the default target, from the seed
 # corpus with the dictionary. A failing input is written to
 # build/fuzz/findings/; keep it in Tests/Fuzz/regressions/ once fixed.
+# VXT_FUZZ_SEED fixes libFuzzer's seed (0, the default, picks one).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-60}
@@ -18,5 +19,5 @@ cp Tests/Fuzz/regressions/* "$work/seeds/" 2>/dev/null || true
 # at most (a call has 20 s before the decoder calls it a hang).
 ASAN_OPTIONS=intercept_tls_get_addr=0:detect_leaks=0 \
   build/fuzz/Tests/Fuzz/vxt_fuzzer "$work/corpus" "$work/seeds" -dict="$work/vxt.dict" \
-  -max_total_time="$seconds" -max_len=512 -timeout=30 -rss_limit_mb=4096 \
+  -max_total_time="$seconds" -max_len=512 -timeout=30 -rss_limit_mb=4096 -seed="${VXT_FUZZ_SEED:-0}" \
   -artifact_prefix=build/fuzz/findings/ -print_final_stats=1

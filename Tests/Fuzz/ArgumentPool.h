@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstddef>
 #include <cstring>
 #include <deque>
 #include <string>
@@ -125,6 +126,35 @@ class ArgumentPool {
     return record;
   }
 
+  // An array of pointers the library follows, one entry for each of the
+  // largest count a call is given: all null, or each to a record of its own
+  // behind the array (the first what an earlier call wrote). A wild pointer
+  // in such an array is no input a library could tell from a good one.
+  template <class Element>
+  bool PointerArray(uint8_t* slot, ByteReader& input) {
+    const uint8_t choice = input.Byte() % 3;
+    if (choice == 0) return false;
+    if (choice == 1) return true;  // The slot is cleared: every entry null
+    auto** entries = reinterpret_cast<uint8_t**>(slot);
+    uint8_t* records = slot + kMaxEntries * sizeof(uint8_t*);
+    for (size_t index = 0; index < kMaxEntries; ++index) {
+      uint8_t* record = records + index * kRecordBytes;
+      if (index == 0) {
+        std::memcpy(record, Record(input.Byte()).data(), kRecordBytes);
+      } else {
+        std::memset(record, 0, kRecordBytes);
+      }
+      if constexpr (sweep::HasStructureSize<Element>) {
+        const uint32_t size = sizeof(Element);
+        std::memcpy(record + offsetof(Element, structureSize), &size, sizeof size);
+      }
+      entries[index] = record;
+    }
+    return true;
+  }
+  // The largest count a call is given (see Number).
+  static constexpr size_t kMaxEntries = 4096;
+
   // Whatever a call wrote is kept: records whole, and their first words.
   void Harvest(const uint8_t* slot) {
     std::array<uint8_t, kRecordBytes> bytes;
@@ -174,7 +204,14 @@ T MakeArgument(const std::string& name, uint8_t* slot, ArgumentPool& pool, ByteR
   } else if constexpr (kind == sweep::ArgKind::Record) {
     return pool.MakeRecord<std::remove_cv_t<std::remove_pointer_t<T>>>(slot, input);
   } else if constexpr (kind == sweep::ArgKind::Pointer) {
-    return pool.Fill(slot, input) ? reinterpret_cast<T>(slot) : nullptr;
+    using Pointee = std::remove_cv_t<std::remove_pointer_t<T>>;
+    if constexpr (std::is_pointer_v<Pointee>) {
+      return pool.PointerArray<std::remove_cv_t<std::remove_pointer_t<Pointee>>>(slot, input)
+                 ? reinterpret_cast<T>(slot)
+                 : nullptr;
+    } else {
+      return pool.Fill(slot, input) ? reinterpret_cast<T>(slot) : nullptr;
+    }
   } else if constexpr (kind == sweep::ArgKind::Enumeration) {
     return pool.Enumeration<T>(input);
   } else if constexpr (kind == sweep::ArgKind::Number || kind == sweep::ArgKind::SignedNumber) {
