@@ -189,6 +189,42 @@ TEST(CpuRunControlTest, StepsAndBreakpointsStopWhereTheySay) {
   EXPECT_EQ(target.ReadQword(kData), target.Register(0, "rcx"));
 }
 
+// A halt that arrives as a running thread comes back to an execution
+// breakpoint must not take the hit's place: resumed there, the thread would
+// step over the breakpoint it never reported.
+TEST(CpuRunControlTest, AHaltMeetingABreakpointReportsTheBreakpoint) {
+  // 0: inc r8; 3: jmp 5; 5: cpuid, 400 times: a block slow enough that
+  // most halts arrive while it runs and land at the next one, 0; 805: jmp 0
+  constexpr int kCpuids = 400;
+  std::vector<uint8_t> program = {0x49, 0xFF, 0xC0, 0xEB, 0x00};
+  for (int i = 0; i < kCpuids; ++i) program.insert(program.end(), {0x0F, 0xA2});
+  const int32_t back = -static_cast<int32_t>(program.size() + 5);
+  program.push_back(0xE9);
+  for (int byte = 0; byte < 4; ++byte) program.push_back(static_cast<uint8_t>(back >> (8 * byte)));
+  CpuTarget target;
+  StopLog log(target.Cpus());
+  RunOnThreadZero(target, program, false);
+  target.SetRegister(0, "r8", 0);
+  uint32_t id = 0;
+  ASSERT_EQ(target.Cpus().AddBreakpoint({BreakpointKind::Execution, kCode, DataAccess::Write, 1, 0}, id),
+            CpuResult::Ok);
+  for (int round = 0; round < 100; ++round) {
+    const uint64_t before = target.Register(0, "r8");
+    log.Clear();
+    ASSERT_EQ(target.Cpus().Go(0), CpuResult::Ok);
+    // A growing delay sweeps the halt across the loop's iteration.
+    const auto until = std::chrono::steady_clock::now() + std::chrono::nanoseconds(100 * round);
+    while (std::chrono::steady_clock::now() < until) {
+    }
+    ASSERT_EQ(target.Cpus().Halt(0), CpuResult::Ok);
+    // Halted before it ran, or on its way back to the breakpoint
+    if (target.Register(0, "r8") == before || target.Register(0, "rip") != kCode) continue;
+    const std::vector<StopEvent> events = log.Events();
+    ASSERT_EQ(events.size(), 1u) << "round " << round;
+    EXPECT_EQ(events[0].reason, StopReason::ExecutionBreakpoint) << "round " << round;
+  }
+}
+
 // All threads run the same locked loop; thread 0 stops at its end and its
 // listener halts the others at once. Started twice from the same state (a
 // reset, and the firmware run until the bootstrap thread first counts), the

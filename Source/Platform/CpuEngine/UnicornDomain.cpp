@@ -329,7 +329,27 @@ void UnicornDomain::OnBlock(uc_engine* uc, uint64_t address, uint32_t, void* use
   auto* domain = static_cast<UnicornDomain*>(user);
   if (domain->stepping_) return;
   if (domain->interrupt_.load(std::memory_order_relaxed) || --domain->blocksLeft_ == 0)
-    domain->StopSlice(uc, address, std::nullopt);
+    domain->StopSlice(uc, address, domain->BreakpointHitAt(*domain->current_, address));
+}
+
+// A slice that ends where an execution breakpoint waits ends with its hit:
+// the block hook runs before the breakpoint's code hook, and a thread left
+// there by a halt would step over the breakpoint when it resumes.
+std::optional<StopEvent> UnicornDomain::BreakpointHitAt(const Thread& thread, uint64_t address) const {
+  if (thread.skipAddress == address || thread.pendingData) return std::nullopt;
+  const auto id = ExecutionBreakpointAt(thread, address);
+  if (!id) return std::nullopt;
+  return StopEvent{thread.index, StopReason::ExecutionBreakpoint, address, 0, *id};
+}
+
+std::optional<uint32_t> UnicornDomain::ExecutionBreakpointAt(const Thread& thread, uint64_t address) const {
+  for (const auto& [id, set] : breakpoints_) {
+    const Breakpoint& breakpoint = set.breakpoint;
+    if (breakpoint.kind == BreakpointKind::Execution && breakpoint.address == address &&
+        (breakpoint.threadIndex == kAllThreads || breakpoint.threadIndex == thread.index))
+      return id;
+  }
+  return std::nullopt;
 }
 
 void UnicornDomain::OnStepCode(uc_engine* uc, uint64_t address, uint32_t, void* user) {
@@ -620,12 +640,7 @@ void UnicornDomain::GoHere(Thread& thread) {
 void UnicornDomain::ArmSkip(Thread& thread) {
   const uint64_t rip = LinearRip(thread);
   thread.skipAddress.reset();
-  for (const auto& [id, set] : breakpoints_) {
-    const Breakpoint& breakpoint = set.breakpoint;
-    if (breakpoint.kind == BreakpointKind::Execution && breakpoint.address == rip &&
-        (breakpoint.threadIndex == kAllThreads || breakpoint.threadIndex == thread.index))
-      thread.skipAddress = rip;
-  }
+  if (ExecutionBreakpointAt(thread, rip)) thread.skipAddress = rip;
 }
 
 CpuResult UnicornDomain::Halt(uint32_t thread) {

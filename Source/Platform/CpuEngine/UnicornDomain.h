@@ -126,6 +126,8 @@ class UnicornDomain final : public CpuBackend {
   void HaltHere(Thread& thread);
   void GoHere(Thread& thread);
   void ArmSkip(Thread& thread);
+  std::optional<uint32_t> ExecutionBreakpointAt(const Thread& thread, uint64_t address) const;
+  std::optional<StopEvent> BreakpointHitAt(const Thread& thread, uint64_t address) const;
   void StopSlice(uc_engine* uc, uint64_t address, std::optional<StopEvent> event);
   static bool ReadForTables(void* context, uint64_t address, std::span<uint8_t> bytes);
 
