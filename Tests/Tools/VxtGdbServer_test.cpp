@@ -140,6 +140,32 @@ TEST_F(VxtGdbServer, MonitorResetRestartsTheFirmware) {
   ExpectRunningFreely();
 }
 
+// After a reset the threads stand in real mode, where rip is an offset in
+// the code segment: GDB's pc is the linear address that its memory reads
+// and breakpoints use, read and written.
+TEST_F(VxtGdbServer, InRealModeThePcIsTheLinearAddressOfTheNextInstruction) {
+  RawGdbClient client(server.port());
+  EXPECT_EQ(client.Ask("QStartNoAckMode"), "OK");
+  client.StopAcknowledging();
+  EXPECT_EQ(client.Ask("Z1,fffffff0,1"), "OK");
+  EXPECT_EQ(client.Ask("qRcmd," + vxt::gdb::ToHex("reset")), "O" + vxt::gdb::ToHex("reset\n"));
+  EXPECT_EQ(client.Next(), "$OK");
+  client.Send("vCont;c");
+  const std::string stop = client.Next();
+  EXPECT_NE(stop.find(";10:f0ffffff00000000;"), std::string::npos) << stop;
+  EXPECT_EQ(client.Ask("p10"), "f0ffffff00000000");
+  EXPECT_EQ(client.Ask("mfffffff0,1"), "e9");  // The reset vector's near jump
+  // Stepped, the jump goes to the start of the ROM; sent back to the
+  // vector, the thread takes it again.
+  for (int round = 0; round < 2; ++round) {
+    const std::string step = client.Ask("vCont;s");
+    EXPECT_NE(step.find(";10:0000ffff00000000;"), std::string::npos) << step;
+    EXPECT_EQ(client.Ask("g").substr(2 * 16 * 8, 16), "0000ffff00000000");
+    EXPECT_EQ(client.Ask("P10=f0ffffff00000000"), "OK");
+  }
+  EXPECT_EQ(client.Ask("z1,fffffff0,1"), "OK");
+}
+
 TEST_F(VxtGdbServer, AnInterruptStopsTheRunningThreadsAndALeavingDebuggerTakesItsBreakpoints) {
   auto client = std::make_unique<RawGdbClient>(server.port());
   Interrupt(*client);

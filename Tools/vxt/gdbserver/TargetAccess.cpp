@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <string_view>
 
 #include "Session.h"
 
@@ -24,6 +25,22 @@ std::vector<uint32_t> ThreadsOf(IInternalService_Device& devices, uint32_t domai
   if (threads.empty()) throw std::runtime_error("the target domain has no threads to debug");
   return threads;
 }
+
+uint64_t LittleEndianValue(const std::vector<uint8_t>& bytes) {
+  uint64_t value = 0;
+  for (size_t i = std::min<size_t>(bytes.size(), 8); i-- > 0;) value = value << 8 | bytes[i];
+  return value;
+}
+
+std::vector<uint8_t> LittleEndianBytes(uint64_t value) {
+  std::vector<uint8_t> bytes(8);
+  for (size_t i = 0; i < 8; ++i) bytes[i] = static_cast<uint8_t>(value >> (8 * i));
+  return bytes;
+}
+
+// GDB's pc is the linear address of the next instruction, as its memory
+// reads and breakpoints are: in real mode, cs base + ip.
+bool IsPc(const GdbRegister& reg) { return reg.serviceName != nullptr && std::string_view(reg.serviceName) == "rip"; }
 
 // The service's width of a register, from the width GDB gives it.
 uint32_t ServiceBits(const GdbRegister& reg) {
@@ -80,6 +97,10 @@ bool TargetAccess::Succeeded(uint64_t token) {
 
 std::optional<std::vector<uint8_t>> TargetAccess::ReadRegister(uint32_t thread, const GdbRegister& reg) {
   if (reg.serviceName == nullptr) return std::nullopt;
+  if (IsPc(reg)) {
+    const auto pc = LinearPc(thread);
+    return pc ? std::optional(LittleEndianBytes(*pc)) : std::nullopt;
+  }
   uint64_t token = 0;
   if (registers_.ReadRegister(thread, reg.serviceName, &token) != VXT_SUCCESS) return std::nullopt;
   std::optional<std::vector<uint8_t>> value = Value(token);
@@ -96,31 +117,35 @@ std::vector<std::optional<std::vector<uint8_t>>> TargetAccess::ReadRegisters(uin
     names.push_back(table[index].serviceName);
     indices.push_back(index);
   }
+  names.push_back("cs_base");
   std::vector<std::optional<std::vector<uint8_t>>> values(table.size());
   std::vector<uint64_t> tokens(names.size());
   if (registers_.ReadRegisters(thread, names.data(), tokens.data(), static_cast<uint32_t>(names.size())) !=
       VXT_SUCCESS)
     return values;
-  for (size_t i = 0; i < tokens.size(); ++i) {
+  const auto codeBase = Value(tokens.back());
+  for (size_t i = 0; i < indices.size(); ++i) {
     auto& value = values[indices[i]];
     value = Value(tokens[i]);
+    if (value && IsPc(table[indices[i]]))
+      value = codeBase ? std::optional(LittleEndianBytes(LittleEndianValue(*value) + LittleEndianValue(*codeBase)))
+                       : std::nullopt;
     if (value) value->resize(table[indices[i]].bits / 8, 0);
   }
   return values;
 }
 
+std::optional<uint64_t> TargetAccess::RegisterValue(uint32_t thread, const char* name) {
+  uint64_t token = 0;
+  if (registers_.ReadRegister(thread, name, &token) != VXT_SUCCESS) return std::nullopt;
+  const auto bytes = Value(token);
+  return bytes ? std::optional(LittleEndianValue(*bytes)) : std::nullopt;
+}
+
 std::optional<uint64_t> TargetAccess::LinearPc(uint32_t thread) {
-  uint64_t address = 0;
-  for (const char* name : {"cs_base", "rip"}) {
-    uint64_t token = 0;
-    if (registers_.ReadRegister(thread, name, &token) != VXT_SUCCESS) return std::nullopt;
-    const auto bytes = Value(token);
-    if (!bytes) return std::nullopt;
-    uint64_t value = 0;
-    for (size_t i = std::min<size_t>(bytes->size(), 8); i-- > 0;) value = value << 8 | (*bytes)[i];
-    address += value;
-  }
-  return address;
+  const auto base = RegisterValue(thread, "cs_base");
+  const auto rip = RegisterValue(thread, "rip");
+  return base && rip ? std::optional(*base + *rip) : std::nullopt;
 }
 
 bool TargetAccess::WriteVector(const std::vector<uint8_t>& bytes, uint32_t bits, VXT_BitData& vector) {
@@ -135,6 +160,11 @@ bool TargetAccess::WriteRegister(uint32_t thread, const GdbRegister& reg, const 
   // the register's: the bits beyond the narrower one are zero.
   const uint32_t bits = ServiceBits(reg);
   std::vector<uint8_t> value(bytes);
+  if (IsPc(reg)) {
+    const auto base = RegisterValue(thread, "cs_base");
+    if (!base) return false;
+    value = LittleEndianBytes(LittleEndianValue(bytes) - *base);
+  }
   value.resize(bits / 8, 0);
   VXT_BitData vector{};
   if (!WriteVector(value, bits, vector)) return false;

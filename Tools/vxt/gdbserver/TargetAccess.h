@@ -26,13 +26,14 @@ class TargetAccess {
   std::string Describe(uint32_t thread);
 
   // The register's bytes at GDB's width, little-endian; nullopt when the
-  // target does not give it or the read failed.
+  // target does not give it or the read failed. GDB's rip is the linear
+  // address of the next instruction, cs base + rip, as its memory reads and
+  // breakpoints are linear: in real mode after a reset the two differ.
   std::optional<std::vector<uint8_t>> ReadRegister(uint32_t thread, const GdbRegister& reg);
   // Every register of the table in one request.
   std::vector<std::optional<std::vector<uint8_t>>> ReadRegisters(uint32_t thread);
   bool WriteRegister(uint32_t thread, const GdbRegister& reg, const std::vector<uint8_t>& bytes);
-  // The linear address of the thread's next instruction (cs base + rip:
-  // in real mode after a reset they differ).
+  // The linear address of the thread's next instruction.
   std::optional<uint64_t> LinearPc(uint32_t thread);
 
   // Linear addresses of the thread.
@@ -54,6 +55,8 @@ class TargetAccess {
   std::optional<std::vector<uint8_t>> Value(uint64_t token);
   // Whether the operation behind the token succeeded; the token is ended.
   bool Succeeded(uint64_t token);
+  // A register of the service as a number.
+  std::optional<uint64_t> RegisterValue(uint32_t thread, const char* name);
   bool WriteVector(const std::vector<uint8_t>& bytes, uint32_t bits, VXT_BitData& vector);
 
   uint32_t domainId_;
