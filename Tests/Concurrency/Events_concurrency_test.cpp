@@ -233,4 +233,58 @@ TEST_F(EventsConcurrencyTest, SubscriptionsOutliveClientsComingAndGoingOnManyThr
   EXPECT_EQ(survivorCalls.load(), 1);
 }
 
+// The interface port's state changes come on a platform thread while a
+// subscriber that leaves on its first event joins over and over, and the
+// one that stays calls back into the port each time.
+struct PortWatcher {
+  IInternalService_InterfacePort* ports;
+  std::atomic<int> changes{0};
+  std::atomic<int> refused{0};
+};
+
+void WatchPort(const VXT_InterfacePortStateChangeEvent* event, void* userData) {
+  auto& watcher = *static_cast<PortWatcher*>(userData);
+  VXT_InterfacePortState state = VXT_InterfacePortState_Unknown;
+  if (watcher.ports->GetInterfacePortState(event->interfacePortId, &state) != 0) ++watcher.refused;
+  ++watcher.changes;
+}
+
+void LeaveOnFirstEvent(const VXT_InterfacePortStateChangeEvent*, void*) {
+  Events().UnsubscribeInterfacePortStateChangeEvents(&LeaveOnFirstEvent);
+}
+
+TEST_F(EventsConcurrencyTest, PortStateChangesReachSubscribersThatComeGoAndCallBack) {
+  constexpr uint32_t kPort = 0x0f000000;
+  constexpr int kRounds = 200;
+  void* service = nullptr;
+  ASSERT_EQ(GetService(nullptr, VXT_Service_InterfacePort, &service), 0);
+  PortWatcher watcher{static_cast<IInternalService_InterfacePort*>(service)};
+  IInternalService_Event& events = Events();
+  ASSERT_EQ(events.SubscribeInterfacePortStateChangeEvents(&WatchPort, &watcher), 0);
+  std::atomic<bool> opening{true};
+  std::thread joiner([&] {
+    while (opening) {
+      events.SubscribeInterfacePortStateChangeEvents(&LeaveOnFirstEvent, nullptr);  // Refused while it stays
+      std::this_thread::yield();
+    }
+  });
+  VXT_InterfacePortConfiguration window{};
+  window.structureSize = VXT_INTERFACE_PORT_CONFIGURATION_SIZE;
+  window.accessMode = VXT_InterfacePortAccessMode_Read;
+  int failures = 0;
+  for (int round = 0; round < kRounds; ++round)
+    failures += (watcher.ports->OpenWindow(kPort, &window) != 0) + (watcher.ports->CloseWindow(kPort) != 0);
+  opening = false;
+  joiner.join();
+  EXPECT_EQ(failures, 0);
+  // Each open and each close is one change of state, heard once.
+  const auto deadline = std::chrono::steady_clock::now() + kDeadlockGuard;
+  while (watcher.changes < 2 * kRounds && std::chrono::steady_clock::now() < deadline)
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  EXPECT_EQ(watcher.changes.load(), 2 * kRounds);
+  EXPECT_EQ(watcher.refused.load(), 0);
+  EXPECT_EQ(events.UnsubscribeInterfacePortStateChangeEvents(&WatchPort), 0);
+  events.UnsubscribeInterfacePortStateChangeEvents(&LeaveOnFirstEvent);
+}
+
 }  // namespace
