@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "ObjectStorage.h"
+#include "WordBlocks.h"
 
 namespace voxtrel::bitdata {
 
@@ -13,9 +14,9 @@ BitData* NewObject(uint64_t bitSize) {
 }
 
 BitData* NewUnfilledObject(uint64_t bitSize) {
-  const uint64_t capacity = WordsFor(bitSize) + 1;
   auto object = std::make_unique<BitData>();
-  object->words = new uint64_t[capacity];
+  uint64_t capacity = 0;
+  object->words = AllocateWords(WordsFor(bitSize) + 1, capacity);
   object->wordCapacity = capacity;
   object->bitSize = bitSize;
   return object.release();
@@ -59,7 +60,7 @@ BitData* BitData_CreateManagedFromBitData(const BitData* source) {
 
 void BitData_FreeManaged(BitData* object) {
   if (object == nullptr) return;
-  delete[] object->words;
+  ReleaseWords(object->words, object->wordCapacity);
   delete object;
 }
 
@@ -72,10 +73,12 @@ uint32_t BitData_Resize(BitData* object, uint64_t newBitSize) {
   } else if (WordsFor(newBitSize) + 1 > object->wordCapacity) {
     // Grows by at least half again, so that growing step by step stays linear.
     const uint64_t needed = WordsFor(newBitSize) + 1;
-    const uint64_t capacity = std::max(needed, object->wordCapacity + object->wordCapacity / 2);
-    auto* words = new uint64_t[capacity]();
-    std::memcpy(words, object->words, WordsFor(oldBitSize) * sizeof(uint64_t));
-    delete[] object->words;
+    uint64_t capacity = 0;
+    auto* words = AllocateWords(std::max(needed, object->wordCapacity + object->wordCapacity / 2), capacity);
+    const uint64_t kept = WordsFor(oldBitSize);
+    std::memcpy(words, object->words, kept * sizeof(uint64_t));
+    std::memset(words + kept, 0, (capacity - kept) * sizeof(uint64_t));
+    ReleaseWords(object->words, object->wordCapacity);
     object->words = words;
     object->wordCapacity = capacity;
   }
