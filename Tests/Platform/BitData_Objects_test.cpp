@@ -1,4 +1,6 @@
 // Creating, copying, resizing and releasing vectors.
+#include <functional>
+
 #include "BitData_Reference.h"
 
 namespace bitdata_test {
@@ -96,6 +98,50 @@ TEST(BitDataObjects, ResizeKeepsBitsAndAddsZeros) {
         model[bit] = true;
       }
     }
+  }
+}
+
+// Large storage is kept for reuse once released: what a new vector gets
+// from it must read as a fresh one would, whichever way it is made.
+TEST(BitDataObjects, LargeVectorsMadeFromReleasedStorageHoldNothingOfItsPast) {
+  constexpr uint64_t kLarge = uint64_t{1} << 23;  // 1 MiB
+  const std::vector<uint8_t> zeros(kLarge / 8 - 1, 0);
+  struct Maker {
+    const char* name;
+    std::function<BitData*()> make;
+    uint64_t size;
+  };
+  const Maker makers[] = {
+      {"zero", [&] { return BitData_CreateManaged(kLarge - 5); }, kLarge - 5},
+      {"number", [&] { return BitData_CreateManagedFromUInt64(kLarge, 0); }, kLarge},
+      {"bytes", [&] { return BitData_CreateManagedFromBuffer(kLarge - 12, zeros.data()); }, kLarge - 12},
+      {"copy",
+       [&] {
+         Vector source(BitData_CreateManaged(kLarge - 1));
+         return BitData_CreateManagedFromBitData(source.get());
+       },
+       kLarge - 1},
+      {"grown",
+       [&] {
+         BitData* grown = BitData_CreateManaged(64);
+         BitData_Resize(grown, kLarge);
+         return grown;
+       },
+       kLarge},
+  };
+  for (const Maker& maker : makers) {
+    SCOPED_TRACE(maker.name);
+    for (int round = 0; round < 3; ++round) {
+      Vector used(BitData_CreateManaged(kLarge + 64 * round));
+      ASSERT_EQ(BitData_XorValue(used.get(), 0, used->bitSize, ~uint64_t{0}), 0u);
+    }
+    Vector made(maker.make());
+    ASSERT_NE(made, nullptr);
+    EXPECT_EQ(made->bitSize, maker.size);
+    uint64_t ones = 1;
+    ASSERT_EQ(BitData_PopCount(made.get(), 0, made->bitSize, &ones), 0u);
+    EXPECT_EQ(ones, 0u);
+    EXPECT_TRUE(TailIsClear(made.get()));
   }
 }
 
