@@ -178,6 +178,13 @@ void UnicornDomain::ResetThread(Thread& thread) {
 
 // ---- Requests -------------------------------------------------------------------
 
+void UnicornDomain::Post(std::function<void()> work) {
+  std::lock_guard lock(mutex_);
+  if (quit_) return;
+  requests_.emplace_back(std::move(work));
+  interrupt_.store(true, std::memory_order_relaxed);
+}
+
 CpuResult UnicornDomain::Serve(const std::function<CpuResult()>& work) {
   if (servingDomain == this) return work();
   std::promise<CpuResult> done;
@@ -277,6 +284,7 @@ bool UnicornDomain::ExecutedHlt(Thread& thread) {
   constexpr uint8_t kHlt = 0xF4;
   uint8_t opcode = 0;
   const uint64_t rip = LinearRip(thread);
+  const std::shared_lock lock(memoryMutex_);
   return rip > 0 && CopyPhysical(rip - 1, &opcode, 1, false) == CpuResult::Ok && opcode == kHlt;
 }
 
@@ -306,7 +314,9 @@ void UnicornDomain::SetLinearRip(Thread& thread, uint64_t linear) {
 }
 
 bool UnicornDomain::ReadForTables(void* context, uint64_t address, std::span<uint8_t> bytes) {
-  return static_cast<UnicornDomain*>(context)->CopyPhysical(address, bytes.data(), bytes.size(), false) ==
+  auto* domain = static_cast<UnicornDomain*>(context);
+  const std::shared_lock lock(domain->memoryMutex_);
+  return domain->CopyPhysical(address, bytes.data(), bytes.size(), false) ==
          CpuResult::Ok;
 }
 
@@ -453,16 +463,26 @@ CpuResult UnicornDomain::CopyPhysical(uint64_t address, uint8_t* bytes, uint64_t
   return CpuResult::Ok;
 }
 
+// A transfer is made on the caller's thread: the regions are host memory that
+// stays where it is, so it need not wait for the domain's thread to come
+// round. The CPUs see it as a device's DMA: concurrent with what they execute.
+// What a write leaves to do, dropping the CPUs' translations of the range, is
+// handed to the domain's thread, which does it before it runs another slice
+// (a running one ends at its next block).
 CpuResult UnicornDomain::ReadPhysical(uint64_t address, std::span<uint8_t> bytes) {
-  return Serve([&] { return CopyPhysical(address, bytes.data(), bytes.size(), false); });
+  const std::shared_lock lock(memoryMutex_);
+  return CopyPhysical(address, bytes.data(), bytes.size(), false);
 }
 
 CpuResult UnicornDomain::WritePhysical(uint64_t address, std::span<const uint8_t> bytes) {
-  return Serve([&] {
-    const CpuResult result = CopyPhysical(address, const_cast<uint8_t*>(bytes.data()), bytes.size(), true);
-    if (result == CpuResult::Ok && !bytes.empty()) ClearTranslations(address, address + bytes.size());
-    return result;
-  });
+  CpuResult result = CpuResult::Ok;
+  {
+    const std::unique_lock lock(memoryMutex_);
+    result = CopyPhysical(address, const_cast<uint8_t*>(bytes.data()), bytes.size(), true);
+  }
+  const uint64_t end = address + bytes.size();
+  if (result == CpuResult::Ok && !bytes.empty()) Post([this, address, end] { ClearTranslations(address, end); });
+  return result;
 }
 
 CpuResult UnicornDomain::ReadIo(uint16_t port, uint32_t size, uint32_t& value) {

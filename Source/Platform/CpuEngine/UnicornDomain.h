@@ -25,6 +25,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <shared_mutex>
 #include <thread>
 #include <vector>
 
@@ -100,6 +101,11 @@ class UnicornDomain final : public CpuBackend {
   // Runs `work` on the domain's thread between slices and gives its result;
   // at once when called there (from a stop listener). Unavailable once shut down.
   CpuResult Serve(const std::function<CpuResult()>& work);
+  // The same without waiting for it, for work that only has to be done
+  // before the CPUs run on: a running slice ends at its next block and the
+  // work is done then; a domain whose threads all stand still is not woken,
+  // and does it ahead of the next request it is given.
+  void Post(std::function<void()> work);
   void Loop();
   Thread* NextRunnable();
   bool RunSlice(Thread& thread, bool stepping);
@@ -163,6 +169,9 @@ class UnicornDomain final : public CpuBackend {
   bool stopped_ = false;  // The slice was ended by a hook, not by HLT
   std::optional<uint64_t> stopAddress_;
   std::optional<StopEvent> stopEvent_;
+
+  // Guest memory as transfers reach it: read shared, written alone.
+  std::shared_mutex memoryMutex_;
 
   // Requests.
   std::mutex mutex_;
