@@ -140,7 +140,7 @@ TEST_F(I2cTest, AFailingGetterFailsEveryOperationAndTheComponentIsNotCalled) {
   }
 }
 
-TEST_F(I2cTest, AnEepromWrittenOverTheBusReadsBackAcrossAClientCycle) {
+TEST_F(I2cTest, AnEepromWrittenOverTheBusReadsBackAcrossAPowerCycleAndAClientCycle) {
   Write(kEeprom, {0x00, 0x00});  // Pointer to 0: the described contents
   EXPECT_EQ(Read(kEeprom, 8), (std::vector<uint8_t>{0x92, 0x10, 0x0b, 0x02, 0x04, 0x21, 0xff, 0xff}));
   // A write that runs past its 16-byte page wraps to the page's start.
@@ -149,6 +149,15 @@ TEST_F(I2cTest, AnEepromWrittenOverTheBusReadsBackAcrossAClientCycle) {
   EXPECT_EQ(Read(kEeprom, 3), (std::vector<uint8_t>{0xa3, 0xa4, 0xff}));
   EXPECT_EQ(Read(kEeprom, 0x0b).back(), 0xff);
   EXPECT_EQ(Read(kEeprom, 2), (std::vector<uint8_t>{0xa1, 0xa2})) << "the read auto-increments";
+
+  constexpr uint32_t kDebugPort = 0x0c000000;
+  auto* platform = GetServiceAs<IInternalService_PlatformControl>(VXT_Service_PlatformControl);
+  uint64_t token = 0;
+  ASSERT_EQ(platform->PowerCycleTarget(kDebugPort, &token), VXT_SUCCESS);
+  EXPECT_EQ(receipts->Flush(token), VXT_SUCCESS);
+  EXPECT_EQ(receipts->Destroy(token), VXT_SUCCESS);
+  Write(kEeprom, {0x01, 0x0e});
+  EXPECT_EQ(Read(kEeprom, 2), (std::vector<uint8_t>{0xa1, 0xa2})) << "lost in the power cycle";
 
   ASSERT_EQ(Disconnect(client.clientId), VXT_SUCCESS);
   ASSERT_EQ(StartNewInstance(&client, 1, 0, nullptr), VXT_SUCCESS);
