@@ -71,6 +71,14 @@ class DescribedTree {
     if (object.contains("properties"))
       for (const auto& [name, value] : object["properties"].items())
         properties.emplace_back(name, value.is_string() ? Substituted(value.get<std::string>()) : value.dump());
+    // A memory map is published as one property a region.
+    if (object.contains("memoryMap"))
+      for (size_t index = 0; index < object["memoryMap"].size(); ++index) {
+        const Json& region = object["memoryMap"][index];
+        properties.emplace_back("MemoryRegion" + std::to_string(index), region["kind"].get<std::string>() + " " +
+                                                                            region["base"].get<std::string>() + " " +
+                                                                            region["size"].get<std::string>());
+      }
     lines_.push_back(DeviceLine(depth, type, identifier, enabled, properties));
     return enabled;
   }

@@ -249,17 +249,21 @@ TEST_F(TargetManagerQueriesTest, EveryDeviceIsFoundByItsIdentifierAndTellsItsTyp
 TEST_F(TargetManagerQueriesTest, PropertiesAreListedAndReadAllOrNothing) {
   uint32_t count = 0;
   ASSERT_EQ(manager_.GetNumDevicePropertyNames(kDomain, &count), 0u);
-  ASSERT_EQ(count, 2u);
-  VXT_PropertyName names[3];
+  ASSERT_EQ(count, 4u);
+  VXT_PropertyName names[5];
   std::memset(names, 'x', sizeof names);
-  ASSERT_EQ(manager_.GetDevicePropertyNames(kDomain, 3, names), 0u);
+  ASSERT_EQ(manager_.GetDevicePropertyNames(kDomain, 5, names), 0u);
   EXPECT_STREQ(names[0], "Platform");
   EXPECT_STREQ(names[1], "Stepping");
-  EXPECT_STREQ(names[2], "");
+  EXPECT_STREQ(names[2], "MemoryRegion0");  // The memory map, one region a property
+  EXPECT_STREQ(names[3], "MemoryRegion1");
+  EXPECT_STREQ(names[4], "");
 
   char value[VXT_PROPERTY_VALUE_SIZE];
   ASSERT_EQ(manager_.GetDeviceProperty(kDomain, "Stepping", value), 0u);
   EXPECT_STREQ(value, "B0");
+  ASSERT_EQ(manager_.GetDeviceProperty(kDomain, "MemoryRegion1", value), 0u);
+  EXPECT_STREQ(value, "rom 0xFFFF0000 0x10000");
 
   VXT_PropertyValue values[2];
   std::strcpy(values[0], "untouched");

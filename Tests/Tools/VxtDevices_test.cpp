@@ -39,7 +39,8 @@ TEST(VxtDevices, TopologyMarksDisabledDevicesAndShowsProperties) {
   const VxtRun run = RunVxt("--config TwoSocketServer topology --properties");
   EXPECT_EQ(run.exitStatus, 0) << run.output;
   for (const char* line : {
-           "  0x02000000  TargetDomain      Server {Platform=Voxtrel SimServer, Sockets=2}\n",
+           "  0x02000000  TargetDomain      Server {Platform=Voxtrel SimServer, Sockets=2, "
+           "MemoryRegion0=ram 0x0 0x1000000, MemoryRegion1=rom 0xFFFF0000 0x10000}\n",
            "        0x04000007  LogicalCore       Core7  (disabled)\n",
            "          0x0300000f  LogicalThread     Thread7_1  (disabled)\n",
        })

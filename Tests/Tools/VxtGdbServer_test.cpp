@@ -66,7 +66,7 @@ TEST_F(VxtGdbServer, GdbSeesTheFirmwareLoopOnEveryThread) {
   if (!vxt::test::GdbInstalled()) GTEST_SKIP() << "gdb is not installed";
   const std::string output =
       RunGdb(server.port(), {"symbol-file " VXT_FIRMWARE_ELF, "info threads", "p/x $pc", "info symbol $pc",
-                             "x/8i $pc", "info registers cs efer cr0", "detach"});
+                             "x/8i $pc", "info registers cs efer cr0", "info mem", "detach"});
   // Every hardware thread, with its id and identifier.
   for (const char* thread : {"0x03000000 Thread0_0", "0x03000001 Thread0_1", "0x03000002 Thread1_0",
                              "0x03000003 Thread1_1"})
@@ -83,6 +83,10 @@ TEST_F(VxtGdbServer, GdbSeesTheFirmwareLoopOnEveryThread) {
   EXPECT_TRUE(std::regex_search(output, std::regex(R"(cs\s+0x18\s)"))) << output;
   EXPECT_TRUE(std::regex_search(output, std::regex(R"(efer\s+0x500\s)"))) << output;
   EXPECT_TRUE(std::regex_search(output, std::regex(R"(cr0\s+0x80000011\s)"))) << output;
+  // The memory map of the description: RAM, and the firmware's ROM.
+  EXPECT_NE(output.find("Using memory regions provided by the target."), std::string::npos) << output;
+  EXPECT_TRUE(std::regex_search(output, std::regex(R"(\n0 +y\s+0x0+ 0x0+1000000 rw)"))) << output;
+  EXPECT_TRUE(std::regex_search(output, std::regex(R"(\n1 +y\s+0x0+ffff0000 0x0+100000000 ro)"))) << output;
 }
 
 TEST_F(VxtGdbServer, BreakpointsStepsAndWatchpointsStopWhereTheyShould) {
@@ -223,7 +227,7 @@ TEST_F(VxtGdbServer, HostilePacketsGetTheProtocolsAnswers) {
       {"qXfer:features:read:other.xml:0,10", "E00"},
       {"qXfer:features:read:target.xml:zz", "E00"},
       {"qXfer:features:read:target.xml:ffffff,10", "l"},
-      {"qXfer:memory-map:read::0,fff", ""},     // no service gives the map: not offered
+      {"qXfer:memory-map:read:x:0,fff", "E00"},  // the map has no annex
       {"qRcmd,zz", "E01"},
       {"vCont;x", "E01"},
       {"vCont;s:9", "E01"},

@@ -139,6 +139,25 @@ class Builder {
     return index;
   }
 
+  // A memory map, checked already, is also published as properties
+  // "MemoryRegion0", "MemoryRegion1", ... in the order described, each
+  // "KIND BASE SIZE" ("rom 0xFFFF0000 0x10000"): a client (a debugger that
+  // wants the target's memory map) reads it through the Device service. A
+  // property the description gives that name itself stands.
+  static void PublishMemoryMap(Node& node) {
+    const Json* map = node.FindFacet("memoryMap");
+    if (map == nullptr || !map->is_array()) return;
+    for (size_t index = 0; index < map->size(); ++index) {
+      const Json& region = (*map)[index];
+      std::string name = "MemoryRegion" + std::to_string(index);
+      if (node.FindProperty(name) != nullptr) continue;
+      std::string text;
+      for (const char* member : {"kind", "base", "size"})
+        text += (text.empty() ? "" : " ") + RenderPropertyValue(region.at(member), member);
+      node.properties.push_back({std::move(name), std::move(text)});
+    }
+  }
+
   // "enabled", "properties" and the component members, and "debugAccess"
   // where the object may have it.
   void ReadCommonMembers(const ObjectReader& object, size_t nodeIndex, DomainState& domain) {
@@ -162,6 +181,7 @@ class Builder {
         node.facets.emplace_back(std::string(member), *facet);
       }
     }
+    PublishMemoryMap(node);
     if (const Json* access = object.Find("debugAccess")) {
       const ObjectReader reader(*access, object.Place("debugAccess"), {"tap", "instruction"});
       domain.pendingDebugAccess.push_back({nodeIndex, reader.RequiredString("tap", kMaxIdentifierLength),

@@ -126,25 +126,18 @@ std::optional<std::string> GdbSession::Handle(const std::string& packet) {
 
 std::string GdbSession::Query(std::string_view packet) {
   if (StartsWith(packet, "qSupported"))
-    return "PacketSize=" + HexNumber(kPacketSize) +
-           ";QStartNoAckMode+;qXfer:features:read+;swbreak+;hwbreak+;vContSupported+";
+    return "PacketSize=" + HexNumber(kPacketSize) + ";QStartNoAckMode+;qXfer:features:read+" +
+           (memoryMap_.empty() ? "" : ";qXfer:memory-map:read+") + ";swbreak+;hwbreak+;vContSupported+";
   if (packet == "QStartNoAckMode") {
     // This packet's own acknowledgement went out already.
     channel_.StopAcknowledging();
     return "OK";
   }
   constexpr std::string_view kFeatures = "qXfer:features:read:";
-  if (StartsWith(packet, kFeatures)) {
-    const std::string_view request = packet.substr(kFeatures.size());
-    const size_t colon = request.find(':');
-    if (colon == std::string_view::npos || request.substr(0, colon) != "target.xml") return "E00";
-    const auto range = ParseRange(request.substr(colon + 1));
-    if (!range) return "E00";
-    const std::string& xml = TargetDescription();
-    if (range->first >= xml.size()) return "l";
-    const std::string chunk = xml.substr(range->first, std::min<uint64_t>(range->second, kPacketSize - 16));
-    return (range->first + chunk.size() >= xml.size() ? "l" : "m") + chunk;
-  }
+  if (StartsWith(packet, kFeatures)) return Transfer(TargetDescription(), "target.xml", packet.substr(kFeatures.size()));
+  constexpr std::string_view kMemoryMap = "qXfer:memory-map:read:";
+  if (StartsWith(packet, kMemoryMap) && !memoryMap_.empty())
+    return Transfer(memoryMap_, "", packet.substr(kMemoryMap.size()));
   if (packet == "qAttached") return "1";
   if (packet == "qC") return "QC" + HexNumber(generalThread_ + 1);
   if (packet == "qfThreadInfo") {
@@ -165,6 +158,18 @@ std::string GdbSession::Query(std::string_view packet) {
   if (StartsWith(packet, "qRcmd,")) return RunMonitor(packet.substr(6));
   if (packet == "qSymbol::") return "OK";
   return std::string();
+}
+
+// ANNEX:OFFSET,LENGTH of a qXfer read: as much of the document as a reply
+// holds, 'm' while more follows, 'l' with the last of it.
+std::string GdbSession::Transfer(const std::string& document, std::string_view annex, std::string_view request) {
+  const size_t colon = request.find(':');
+  if (colon == std::string_view::npos || request.substr(0, colon) != annex) return "E00";
+  const auto range = ParseRange(request.substr(colon + 1));
+  if (!range) return "E00";
+  if (range->first >= document.size()) return "l";
+  const std::string chunk = document.substr(range->first, std::min<uint64_t>(range->second, kPacketSize - 16));
+  return (range->first + chunk.size() >= document.size() ? "l" : "m") + chunk;
 }
 
 std::optional<long> GdbSession::ParseThread(std::string_view text) const {

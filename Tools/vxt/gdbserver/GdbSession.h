@@ -15,6 +15,7 @@
 #include <string_view>
 #include <tuple>
 
+#include "MemoryMapDocument.h"
 #include "RspChannel.h"
 #include "StopEvents.h"
 #include "TargetAccess.h"
@@ -29,7 +30,11 @@ class GdbSession {
   // Runs a `monitor` line; its output.
   using Monitor = std::function<std::string(const std::string& line)>;
   GdbSession(TargetAccess& target, StopEvents& stops, RspChannel& channel, Monitor monitor)
-      : target_(target), stops_(stops), channel_(channel), monitor_(std::move(monitor)) {}
+      : target_(target),
+        stops_(stops),
+        channel_(channel),
+        monitor_(std::move(monitor)),
+        memoryMap_(MemoryMapDocument(target.MemoryMap())) {}
 
   enum class End { Detached, Gone, Stopped };
   // Serves until the session ends; `stopDescriptor` readable stops it.
@@ -40,6 +45,7 @@ class GdbSession {
   // stop to come.
   std::optional<std::string> Handle(const std::string& packet);
   std::string Query(std::string_view packet);
+  static std::string Transfer(const std::string& document, std::string_view annex, std::string_view request);
   std::string ReadAllRegisters();
   std::string WriteAllRegisters(std::string_view hex);
   std::string ReadOneRegister(std::string_view number);
@@ -70,6 +76,7 @@ class GdbSession {
   StopEvents& stops_;
   RspChannel& channel_;
   Monitor monitor_;
+  const std::string memoryMap_;  // GDB's memory map document; empty without a map
   bool running_ = false;
   std::optional<End> end_;
   size_t generalThread_ = 0;

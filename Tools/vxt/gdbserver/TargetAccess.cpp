@@ -1,6 +1,8 @@
 #include "TargetAccess.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <sstream>
 #include <stdexcept>
 #include <string_view>
 
@@ -73,6 +75,27 @@ std::string TargetAccess::Describe(uint32_t thread) {
     text += identifier;
   }
   return text;
+}
+
+std::vector<MemoryRegion> TargetAccess::MemoryMap() {
+  std::vector<MemoryRegion> regions;
+  uint32_t count = 0;
+  if (devices_.GetNumDevicePropertyNames(domainId_, &count) != VXT_SUCCESS || count == 0) return regions;
+  std::vector<VXT_PropertyName> names(count);
+  if (devices_.GetDevicePropertyNames(domainId_, count, names.data()) != VXT_SUCCESS) return regions;
+  for (const VXT_PropertyName& name : names) {
+    if (std::string_view(name).rfind("MemoryRegion", 0) != 0) continue;
+    char value[VXT_PROPERTY_VALUE_SIZE] = {};
+    if (devices_.GetDeviceProperty(domainId_, name, value) != VXT_SUCCESS) continue;
+    std::istringstream fields(value);
+    MemoryRegion region;
+    std::string base, size;
+    if (!(fields >> region.kind >> base >> size) || (region.kind != "ram" && region.kind != "rom")) continue;
+    region.base = std::strtoull(base.c_str(), nullptr, 0);
+    region.size = std::strtoull(size.c_str(), nullptr, 0);
+    if (region.size != 0) regions.push_back(region);
+  }
+  return regions;
 }
 
 std::optional<std::vector<uint8_t>> TargetAccess::Value(uint64_t token) {

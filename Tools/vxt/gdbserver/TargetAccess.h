@@ -15,6 +15,13 @@
 
 namespace vxt::gdb {
 
+// A region of the domain's memory map, as its description gives it.
+struct MemoryRegion {
+  std::string kind;  // "ram" or "rom"
+  uint64_t base = 0;
+  uint64_t size = 0;
+};
+
 class TargetAccess {
  public:
   // Throws when the domain has no threads.
@@ -24,6 +31,9 @@ class TargetAccess {
   const std::vector<uint32_t>& threads() const { return threads_; }
   // "0x03000000 Thread0": the id and identifier a user knows the thread by.
   std::string Describe(uint32_t thread);
+  // The domain's memory map from its "MemoryRegion<N>" properties ("ram 0x0
+  // 0x1000000"), in order; empty when it publishes none.
+  std::vector<MemoryRegion> MemoryMap();
 
   // The register's bytes at GDB's width, little-endian; nullopt when the
   // target does not give it or the read failed. GDB's rip is the linear
