@@ -16,6 +16,9 @@ using vxt::test::kSecondThread;
 using vxt::test::kTargetDomain;
 
 constexpr VXT_Result kInvalidArgument = static_cast<VXT_Result>(0x80000001);
+constexpr VXT_Result kOutOfRange = static_cast<VXT_Result>(0x80000002);
+constexpr VXT_Result kRefused = static_cast<VXT_Result>(0x80000003);
+constexpr VXT_Result kFailed = static_cast<VXT_Result>(0x80000005);
 
 std::string Hex16(uint64_t value) {
   char text[17];
@@ -118,6 +121,62 @@ TEST_F(RunControlTest, ChecksFailBeforeTheComponent) {
   EXPECT_NE(runControl->SubmitInstruction(kFirstThread, "nop"), 0);
   EXPECT_EQ(runControl->GetNumOperatingModes(kFirstThread, &count), 0);
   EXPECT_EQ(count, 3u);
+}
+
+// A halted thread runs submitted instructions where it stands, as a probe
+// has a core in probe mode run them: what they do stays, rip does not move,
+// and the general registers they leave are read by their number.
+TEST_F(RunControlTest, SubmittedInstructionsRunOnAHaltedThreadWithoutMovingIt) {
+  uint64_t token = 0;
+  Done(runControl->Halt(kFirstThread, &token), token);
+  const uint64_t rip = Rip(kFirstThread);
+  // The instructions borrow the memory 4 KiB below the stack pointer.
+  ASSERT_EQ(registers->ReadRegister(kFirstThread, "rsp", &token), 0);
+  const VXT_Address borrowed{VXT_ADDRESS_SIZE, 0, 0, Number(token) - 0x1000, VXT_AddressType_Linear};
+  auto borrowedBytes = [&] {
+    EXPECT_EQ(memory->ReadMemory(kFirstThread, &borrowed, 16, &token), 0) << GetLastErrorMessage();
+    return Bytes(token);
+  };
+  const std::vector<uint8_t> before = borrowedBytes();
+  for (const char* instruction : {"mov rax, 0x1122334455667788", "lea r15, [rax+0x1]", "mov rbx, cr0",
+                                  "mov qword ptr [0x2000], rax", "mov rcx, qword ptr [0x2000]"})
+    ASSERT_EQ(runControl->SubmitInstruction(kFirstThread, instruction), 0) << instruction << ": "
+                                                                            << GetLastErrorMessage();
+  struct Expected {
+    uint32_t offset;
+    uint64_t value;
+  };
+  for (const Expected expected : {Expected{0, 0x1122334455667788}, Expected{1, 0x1122334455667788},
+                                  Expected{3, 0x80000011}, Expected{15, 0x1122334455667789}}) {
+    uint64_t value = 0;
+    EXPECT_EQ(runControl->GetInstructionResult(kFirstThread, expected.offset, &value), 0) << GetLastErrorMessage();
+    EXPECT_EQ(value, expected.value) << expected.offset;
+  }
+  EXPECT_EQ(Rip(kFirstThread), rip);
+  EXPECT_EQ(borrowedBytes(), before);
+  EXPECT_EQ(BreakType(kFirstThread), "Halt") << "a submitted instruction is no stop";
+
+  uint64_t value = 0;
+  ExpectRefusals({
+      {[&] { return runControl->SubmitInstruction(kFirstThread, "jmp 0x1000"); }, kInvalidArgument,
+       "'jmp 0x1000' sends the thread elsewhere; a submitted instruction leaves it where it is"},
+      {[&] { return runControl->SubmitInstruction(kFirstThread, "frobnicate rax"); }, kInvalidArgument,
+       "cannot assemble 'frobnicate rax': unknown mnemonic 'frobnicate'"},
+      {[&] { return runControl->SubmitInstruction(kFirstThread, "mov rax, qword ptr [0xfffffff000]"); }, kFailed,
+       "executing 'mov rax, qword ptr [0xfffffff000]': the instruction faulted"},
+      {[&] { return runControl->SubmitInstruction(kSecondThread, "nop"); }, kRefused,
+       "the thread runs: an instruction is submitted to a halted thread"},
+      {[&] { return runControl->GetInstructionResult(kFirstThread, 16, &value); }, kOutOfRange,
+       "offset 16 is past the general registers (0 rax, 1 rcx, ... 15 r15)"},
+      {[&] { return runControl->GetInstructionResult(kSecondThread, 0, &value); }, kFailed,
+       "no instruction was submitted to thread 0x3000001"},
+  });
+  // The faulting instruction left the thread as it was.
+  ASSERT_EQ(runControl->SubmitInstruction(kFirstThread, "nop"), 0);
+  EXPECT_EQ(runControl->GetInstructionResult(kFirstThread, 0, &value), 0);
+  EXPECT_EQ(value, 0x1122334455667788u);
+  EXPECT_EQ(Rip(kFirstThread), rip);
+  Done(runControl->Go(kFirstThread, &token), token);
 }
 
 TEST_F(RunControlTest, TraceLinesAndTelemetry) {

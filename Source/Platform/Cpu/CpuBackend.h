@@ -119,6 +119,22 @@ class CpuBackend {
   // breakpoints kept, IO devices reset.
   virtual CpuResult Reset(ResetMode mode) = 0;
 
+  // Executes `code`, one instruction, on the halted thread as if it stood
+  // at the linear address `linear`, whose bytes (at `physical`, in RAM) it
+  // borrows meanwhile; then puts back those bytes and the thread's rip, so
+  // that the thread stands where it stood and no other thread ever sees the
+  // borrowed bytes. What the instruction did to registers, memory, IO and
+  // MSRs stays. No stop is reported. NotHalted for a running thread, Faulted
+  // when the instruction faults (the thread is then as it was before).
+  virtual CpuResult ExecuteInstruction(uint32_t thread, uint64_t linear, uint64_t physical,
+                                       std::span<const uint8_t> code) {
+    (void)thread;
+    (void)linear;
+    (void)physical;
+    (void)code;
+    return CpuResult::Unavailable;
+  }
+
   // Whether the thread halts (reason Hlt, at the instruction after the HLT)
   // instead of waiting when it executes HLT. Off after construction.
   virtual CpuResult SetBreakOnHlt(uint32_t thread, bool on) {

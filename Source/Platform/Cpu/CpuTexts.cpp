@@ -32,6 +32,8 @@ std::string_view CpuResultText(CpuResult result) {
       return "the thread is not halted";
     case CpuResult::Unavailable:
       return "the CPU is not available";
+    case CpuResult::Faulted:
+      return "the instruction faulted";
   }
   return "unknown result";
 }

@@ -24,6 +24,7 @@ enum class CpuResult : uint32_t {
   BadBreakpoint,      // A length other than 1, 2, 4, 8, or an unaligned data breakpoint
   NotHalted,          // Step of a thread that is running
   Unavailable,        // The backend cannot serve the call (engine missing, domain stopped)
+  Faulted,            // An instruction the backend was given to execute raised a fault
 };
 
 // Short English text of a result, for messages ("unmapped address").

@@ -289,6 +289,10 @@ bool UnicornDomain::ExecutedHlt(Thread& thread) {
 }
 
 void UnicornDomain::Report(const StopEvent& event) {
+  if (quiet_) {
+    quietStop_ = event;
+    return;
+  }
   std::vector<StopListener> listeners;
   for (const auto& [id, listener] : listeners_) listeners.push_back(listener);
   for (const StopListener& listener : listeners) listener(event);
@@ -715,6 +719,61 @@ CpuResult UnicornDomain::Step(uint32_t thread) {
     }
     Report({found->index, StopReason::Step, LinearRip(*found), 0, 0});
     return CpuResult::Ok;
+  });
+}
+
+CpuResult UnicornDomain::ExecuteInstruction(uint32_t thread, uint64_t linear, uint64_t physical,
+                                            std::span<const uint8_t> code) {
+  constexpr size_t kLongestInstruction = 15;
+  if (code.empty() || code.size() > kLongestInstruction) return CpuResult::BadSize;
+  return Serve([&] {
+    Thread* found = FindThread(thread);
+    if (!found) return CpuResult::UnknownThread;
+    if (found->state != RunState::Halted) return CpuResult::NotHalted;
+    std::vector<uint8_t> borrowed(code.size());
+    {
+      const std::unique_lock lock(memoryMutex_);
+      if (const CpuResult read = CopyPhysical(physical, borrowed.data(), borrowed.size(), false); read != CpuResult::Ok)
+        return read;
+      if (const CpuResult written = CopyPhysical(physical, const_cast<uint8_t*>(code.data()), code.size(), true);
+          written != CpuResult::Ok)
+        return written;
+    }
+    // The whole state, for an instruction that faults.
+    uc_context* before = nullptr;
+    if (uc_context_alloc(found->uc, &before) != UC_ERR_OK) return CpuResult::Unavailable;
+    uc_context_save(found->uc, before);
+    uint64_t rip = 0;
+    uc_reg_read(found->uc, UC_X86_REG_RIP, &rip);
+    const bool waiting = found->waiting;
+    const std::optional<uint64_t> skip = found->skipAddress;
+    SetLinearRip(*found, linear);
+    found->waiting = false;
+    found->skipAddress = linear;  // A breakpoint there is not the instruction's
+    uc_hook hook = 0;
+    uc_hook_add(found->uc, &hook, UC_HOOK_CODE, reinterpret_cast<void*>(&OnStepCode), this, 1, 0);
+    ClearTranslations(found->uc);
+    quiet_ = true;
+    quietStop_.reset();
+    found->state = RunState::Running;
+    RunSlice(*found, true);
+    found->state = RunState::Halted;
+    quiet_ = false;
+    uc_hook_del(found->uc, hook);
+    const bool faulted = quietStop_ && quietStop_->reason == StopReason::Shutdown;
+    if (faulted) uc_context_restore(found->uc, before);
+    uc_context_free(before);
+    uc_reg_write(found->uc, UC_X86_REG_RIP, &rip);
+    found->waiting = waiting;
+    found->skipAddress = skip;
+    found->pendingData.reset();
+    {
+      const std::unique_lock lock(memoryMutex_);
+      CopyPhysical(physical, borrowed.data(), borrowed.size(), true);
+    }
+    ClearTranslations(physical, physical + code.size());
+    ClearTranslations(found->uc);
+    return faulted ? CpuResult::Faulted : CpuResult::Ok;
   });
 }
 

@@ -63,6 +63,8 @@ class UnicornDomain final : public CpuBackend {
   CpuResult HaltAll() override;
   CpuResult GoAll() override;
   CpuResult Step(uint32_t thread) override;
+  CpuResult ExecuteInstruction(uint32_t thread, uint64_t linear, uint64_t physical,
+                               std::span<const uint8_t> code) override;
   CpuResult AddBreakpoint(const Breakpoint& breakpoint, uint32_t& id) override;
   CpuResult RemoveBreakpoint(uint32_t id) override;
   uint32_t AddStopListener(StopListener listener) override;
@@ -165,6 +167,10 @@ class UnicornDomain final : public CpuBackend {
   Thread* turnOwner_ = nullptr;  // Whose turn blocksLeft_ counts
   uint32_t blocksLeft_ = 0;
   bool stepping_ = false;
+  // Stops are kept, not reported, while an instruction is executed for a
+  // client: the last one says how it ended.
+  bool quiet_ = false;
+  std::optional<StopEvent> quietStop_;
   uint32_t stepCallbacks_ = 0;
   bool stopped_ = false;  // The slice was ended by a hook, not by HLT
   std::optional<uint64_t> stopAddress_;

@@ -1,5 +1,4 @@
-// RunControl's answers to why a thread stopped, its probe mode and its
-// operating modes.
+// RunControl's answers to why a thread stopped and its operating modes.
 #include <algorithm>
 #include <cstring>
 
@@ -50,10 +49,6 @@ Outcome BreakAddressWork(uint32_t threadId, VXT_Address* breakAddress) {
   return std::nullopt;
 }
 
-Outcome NoProbeMode() {
-  return Failure{kNotSupported, "the emulated CPUs have no probe mode to run submitted instructions in"};
-}
-
 Outcome OperatingModesWork(uint32_t deviceId, uint32_t numOperatingModes, uint32_t* operatingModes) {
   CpuThread cpu;
   if (auto refused = CheckNotNull(operatingModes, "operatingModes")) return refused;
@@ -80,16 +75,6 @@ uint32_t GetBreakSubtype(uint32_t threadId, char* breakSubtype) {
 uint32_t GetBreakAddress(uint32_t threadId, VXT_Address* breakAddress) {
   VOXTREL_COMPONENT_CALL("RunControl.GetBreakAddress", "threadId=", HexText(threadId));
   return VOXTREL_ANSWER(BreakAddressWork(threadId, breakAddress));
-}
-
-uint32_t GetInstructionResult(uint32_t threadId, uint32_t, uint64_t*) {
-  VOXTREL_COMPONENT_CALL("RunControl.GetInstructionResult", "threadId=", HexText(threadId));
-  return VOXTREL_ANSWER(NoProbeMode());
-}
-
-uint32_t SubmitInstruction(uint32_t threadId, const char*) {
-  VOXTREL_COMPONENT_CALL("RunControl.SubmitInstruction", "threadId=", HexText(threadId));
-  return VOXTREL_ANSWER(NoProbeMode());
 }
 
 uint32_t GetNumOperatingModes(uint32_t deviceId, uint32_t* numOperatingModes) {

@@ -34,6 +34,8 @@ uint32_t CodeOf(cpu::CpuResult result) {
       return kNotSupported;
     case CpuResult::Unavailable:
       return kThreadNotAvailable;
+    case CpuResult::Faulted:
+      return kOperationFailed;
   }
   return kOperationFailed;
 }
