@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include <unistd.h>
+
 #include <boost/interprocess/mapped_region.hpp>
 #include <boost/interprocess/shared_memory_object.hpp>
 
@@ -60,7 +62,9 @@ class DmaTest : public CpuServiceTest {
 
   IInternalService_Dma* dma = nullptr;
   IInternalService_General* general = nullptr;
-  const std::string file = (std::filesystem::temp_directory_path() / "vxt_dma_test.img").string();
+  // Of this process alone: the suite's tests run as processes side by side.
+  const std::string file =
+      (std::filesystem::temp_directory_path() / ("vxt_dma_test_" + std::to_string(::getpid()) + ".img")).string();
 };
 
 TEST_F(DmaTest, TraceLinesSeparateArgumentsWithCommasAndTheTransfersCount) {
