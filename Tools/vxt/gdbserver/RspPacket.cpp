@@ -1,5 +1,7 @@
 #include "RspPacket.h"
 
+#include <algorithm>
+
 namespace vxt::gdb {
 namespace {
 
@@ -148,6 +150,18 @@ std::optional<uint64_t> ParseHexNumber(std::string_view text) {
     value = value << 4 | static_cast<uint64_t>(digit);
   }
   return value;
+}
+
+uint64_t LittleEndianValue(const std::vector<uint8_t>& bytes) {
+  uint64_t value = 0;
+  for (size_t i = std::min<size_t>(bytes.size(), 8); i-- > 0;) value = value << 8 | bytes[i];
+  return value;
+}
+
+std::vector<uint8_t> LittleEndianBytes(uint64_t value) {
+  std::vector<uint8_t> bytes(8);
+  for (size_t i = 0; i < 8; ++i) bytes[i] = static_cast<uint8_t>(value >> (8 * i));
+  return bytes;
 }
 
 }  // namespace vxt::gdb

@@ -60,5 +60,9 @@ std::optional<std::vector<uint8_t>> FromHex(std::string_view text);
 std::string HexNumber(uint64_t value);
 // A number in hex digits alone (1 to 16 of them).
 std::optional<uint64_t> ParseHexNumber(std::string_view text);
+// A register's value as its bytes, least significant first (x86's order):
+// the first 8 bytes, and 8 bytes.
+uint64_t LittleEndianValue(const std::vector<uint8_t>& bytes);
+std::vector<uint8_t> LittleEndianBytes(uint64_t value);
 
 }  // namespace vxt::gdb

@@ -60,9 +60,8 @@ std::optional<std::string> GdbSession::Resume(std::string_view packet) {
   if (!address.empty()) {
     const auto value = ParseHexNumber(address);
     if (!value) return std::string(kError);
-    std::vector<uint8_t> bytes(8);
-    for (size_t i = 0; i < 8; ++i) bytes[i] = static_cast<uint8_t>(*value >> (8 * i));
-    if (!target_.WriteRegister(Thread(continueThread_), GdbRegisters()[GdbRegisterIndex("rip")], bytes))
+    if (!target_.WriteRegister(Thread(continueThread_), GdbRegisters()[GdbRegisterIndex("rip")],
+                               LittleEndianBytes(*value)))
       return std::string(kError);
   }
   if (packet[0] == 's' || packet[0] == 'S') return StepThread(continueThread_);

@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "RspPacket.h"
 #include "Session.h"
 
 namespace vxt::gdb {
@@ -26,18 +27,6 @@ std::vector<uint32_t> ThreadsOf(IInternalService_Device& devices, uint32_t domai
           "GetDescendantIdsForType");
   if (threads.empty()) throw std::runtime_error("the target domain has no threads to debug");
   return threads;
-}
-
-uint64_t LittleEndianValue(const std::vector<uint8_t>& bytes) {
-  uint64_t value = 0;
-  for (size_t i = std::min<size_t>(bytes.size(), 8); i-- > 0;) value = value << 8 | bytes[i];
-  return value;
-}
-
-std::vector<uint8_t> LittleEndianBytes(uint64_t value) {
-  std::vector<uint8_t> bytes(8);
-  for (size_t i = 0; i < 8; ++i) bytes[i] = static_cast<uint8_t>(value >> (8 * i));
-  return bytes;
 }
 
 // GDB's pc is the linear address of the next instruction, as its memory
