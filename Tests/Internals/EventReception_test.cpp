@@ -89,27 +89,27 @@ TEST_F(EventReceptionTest, ABrokerOutOfReachCostsAWarning) {
   const std::string uninitialize = "3 InProc_Event uninitialize is unable to get the EventBroker in order ";
   struct Case {
     std::string name;
-    tc::Behaviour getter;
+    std::string postText;  // The getter fails with 0x20005, posting this
     Strings initializeTrace;
     Strings uninitializeTrace;
   };
-  const Case cases[] = {
+  const std::vector<Case> cases = {
       {"getter posts its reason",
-       {.returnCode = 0x20005, .postText = "no broker here"},
+       "no broker here",
        {initialize + "register callbacks for getting events. no broker here",
         initialize + "to register callbacks for getting events."},
        {uninitialize + "unregister callbacks for getting events. no broker here",
         uninitialize + "to unregister callbacks for getting events."}},
       // Nothing in the context: only the line for the missing table.
       {"getter fails silently",
-       {.returnCode = 0x20005, .postText = ""},
+       "",
        {initialize + "to register callbacks for getting events."},
        {uninitialize + "to unregister callbacks for getting events."}},
   };
   const std::vector<size_t> before = SubscriberCounts();
   for (const Case& failure : cases) {
     SCOPED_TRACE(failure.name);
-    tc::SetBehaviour("Voxtrel_GetEventBroker", failure.getter);
+    tc::SetBehaviour("Voxtrel_GetEventBroker", {.returnCode = 0x20005, .postText = failure.postText});
     tc::ClearCapturedTrace();
     EXPECT_EQ(InProc_Event::Instance().Initialize(), 0u);
     EXPECT_EQ(LeveledTrace(), failure.initializeTrace);

@@ -94,6 +94,34 @@ TEST(ErrorContext, ExitingAnOuterContextClosesWhatWasLeftOpenInsideIt) {
   Voxtrel_ErrorExitContex(outer);
 }
 
+// Contexts nest as deep as operations call operations; the first few are
+// kept apart from deeper ones, so the nesting crosses that line both ways.
+TEST(ErrorContext, DeepNestingKeepsEachContextsOwnPosts) {
+  constexpr int kDepth = 20;
+  for (const int closeAt : {3, 8, 12}) {
+    std::vector<Voxtrel_ErrorContext> open;
+    for (int depth = 0; depth < kDepth; ++depth) {
+      open.push_back(Voxtrel_ErrorEnterContex(1));
+      if (depth % 2 == 0) Post(0x20000 + depth, std::to_string(depth).c_str());
+    }
+    Voxtrel_ErrorExitContex(open[closeAt]);  // Closes it and all inside it
+    for (int depth = 0; depth < kDepth; ++depth) {
+      const bool kept = depth < closeAt && depth % 2 == 0;
+      EXPECT_EQ(MessageOf(open[depth]), kept ? std::to_string(depth) : "") << closeAt << " " << depth;
+      EXPECT_EQ(Voxtrel_ErrorGetErrorCode(open[depth]), kept ? 0x20000u + depth : 0u) << closeAt << " " << depth;
+    }
+    Post(0x20001, "again");
+    const int innermost = closeAt - 1;
+    EXPECT_EQ(MessageOf(open[innermost]), innermost % 2 == 0 ? std::to_string(innermost) + "; again" : "again");
+    const Voxtrel_ErrorContext reopened = Voxtrel_ErrorEnterContex(1);
+    Post(0x20002, "reopened");
+    EXPECT_EQ(MessageOf(reopened), "reopened");
+    Voxtrel_ErrorExitContex(reopened);
+    for (int depth = closeAt; depth-- > 0;) Voxtrel_ErrorExitContex(open[depth]);
+    EXPECT_EQ(MessageOf(open[0]), "");
+  }
+}
+
 TEST(ErrorContext, MessageCopiesAreCutToTheBufferAndTerminated) {
   const Voxtrel_ErrorContext context = Voxtrel_ErrorEnterContex(1);
   Post(0x20000, "abcdef");

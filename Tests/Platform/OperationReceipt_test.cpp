@@ -197,20 +197,21 @@ TEST(OperationReceipt, ErrorMessageIsCopiedWithinTheCallersBuffer) {
     bool buffer;
     uint32_t maxBufferSize;
     bool size;
-    Posted answer;
+    uint32_t answerCode;
+    std::string answerMessage;
     std::string text;  // What the buffer holds; "zz" when untouched
     uint32_t reportedSize;
   };
-  const Case cases[] = {
-      {true, 32, true, {0, ""}, "probe gone", 11},
-      {true, 11, true, {0, ""}, "probe gone", 11},
-      {true, 11, false, {0, ""}, "probe gone", 77},
-      {false, 32, true, {0, ""}, "zz", 11},
-      {true, 5, true, {0x2000b, tooSmall}, "prob", 11},
-      {true, 1, true, {0x2000b, tooSmall}, "", 11},
-      {true, 0, true, {0x2000b, tooSmall}, "zz", 11},
-      {false, 32, false, {0x20000, "OperationReceipt.GetOperationErrorMessage: buffer and actualStringSize are "
-                                   "both null"},
+  const std::vector<Case> cases = {
+      {true, 32, true, 0, "", "probe gone", 11},
+      {true, 11, true, 0, "", "probe gone", 11},
+      {true, 11, false, 0, "", "probe gone", 77},
+      {false, 32, true, 0, "", "zz", 11},
+      {true, 5, true, 0x2000b, tooSmall, "prob", 11},
+      {true, 1, true, 0x2000b, tooSmall, "", 11},
+      {true, 0, true, 0x2000b, tooSmall, "zz", 11},
+      {false, 32, false, 0x20000,
+       "OperationReceipt.GetOperationErrorMessage: buffer and actualStringSize are both null",
        "zz", 77},
   };
   for (const Case& c : cases) {
@@ -223,7 +224,7 @@ TEST(OperationReceipt, ErrorMessageIsCopiedWithinTheCallersBuffer) {
       return Receipts().GetOperationErrorMessage(token, c.buffer ? buffer : nullptr, c.maxBufferSize,
                                                  c.size ? &size : nullptr);
     });
-    EXPECT_EQ(answer, c.answer);
+    EXPECT_EQ(answer, (Posted{c.answerCode, c.answerMessage}));
     EXPECT_EQ(std::string(buffer), c.text);
     EXPECT_EQ(size, c.reportedSize);
     // Nothing is written at or behind maxBufferSize.

@@ -7,28 +7,42 @@
 namespace voxtrel::platform::error {
 namespace {
 
-struct Context {
-  explicit Context(uint64_t contextId) : id(contextId) {}
+// Every call of the library opens and closes a context, and nearly every one
+// posts nothing into it. So a context is only its id until something is
+// posted: the open ids stand in the thread's own storage (the first few in
+// place, deeper ones in a vector), and a record with a code and a message is
+// made for a context only when it is first posted into.
+constexpr uint32_t kIdsInPlace = 8;
+
+struct Posted {
+  explicit Posted(uint64_t contextId) : id(contextId) {}
   uint64_t id;
   ContextState state;
 };
-using ContextStack = std::vector<Context>;
 
 // Ids are handed to threads in blocks, so that entering a context writes
-// nothing shared: a thread takes a new block once in a million contexts.
+// nothing shared: a thread takes a new block once in a million contexts. A
+// thread's ids therefore only grow, and the contexts open on it are ordered
+// by id from the outermost to the innermost.
 constexpr uint64_t kIdBlock = uint64_t{1} << 20;
 std::atomic<uint64_t> nextBlock{1};
 
 // What a thread holds, in one trivially destructible thread-local, so that
 // it costs one look-up and a call during the thread's or the process's end
-// (from a static destructor) finds no destroyed object. The stack lives on
-// the heap; once the owner below has gone, the thread simply has no
-// contexts any more.
+// (from a static destructor) finds no destroyed object. The vectors live on
+// the heap; once the owner below has gone, the thread keeps only the
+// contexts that fit in place and takes no more posts.
 struct ThreadContexts {
-  ContextStack* stack = nullptr;
-  bool ended = false;
   uint64_t nextId = 0;
   uint64_t blockEnd = 0;
+  uint32_t depth = 0;  // Contexts open, counting those in `deeper`
+  bool ended = false;
+  // The id of the innermost context with a record, 0 for none: lets a
+  // closing context see at a glance that it has no record to drop.
+  uint64_t innermostPosted = 0;
+  uint64_t openInPlace[kIdsInPlace] = {};
+  std::vector<uint64_t>* deeper = nullptr;
+  std::vector<Posted>* posted = nullptr;  // Ordered by id
 };
 //
 // Every call of the library reaches it twice, so its address is fixed when
@@ -38,24 +52,28 @@ struct ThreadContexts {
 // which a client's dlopen() also works with.
 [[gnu::tls_model("initial-exec")]] thread_local ThreadContexts self;
 
-struct StackOwner {
-  ~StackOwner() {
-    delete self.stack;
-    self.stack = nullptr;
+struct HeapOwner {
+  ~HeapOwner() {
+    delete self.deeper;
+    delete self.posted;
+    self.deeper = nullptr;
+    self.posted = nullptr;
     self.ended = true;
+    self.depth = std::min(self.depth, kIdsInPlace);
+    self.innermostPosted = 0;
   }
 };
-thread_local StackOwner stackOwner;
+thread_local HeapOwner heapOwner;
 
-// The thread's stack, made on first use; null once the thread is ending.
-ContextStack* ThreadStack(ThreadContexts& thread) {
-  if (thread.stack == nullptr && !thread.ended) {
-    thread.stack = new ContextStack;
-    thread.stack->reserve(8);
+// A vector of the thread's, made on first use; null once the thread is ending.
+template <class Vector>
+Vector* Made(ThreadContexts& thread, Vector*& vector) {
+  if (vector == nullptr && !thread.ended) {
+    vector = new Vector;
     // Touching the owner registers its destructor for this thread.
-    [[maybe_unused]] StackOwner* owner = &stackOwner;
+    [[maybe_unused]] HeapOwner* owner = &heapOwner;
   }
-  return thread.stack;
+  return vector;
 }
 
 uint64_t NextId(ThreadContexts& thread) {
@@ -66,53 +84,88 @@ uint64_t NextId(ThreadContexts& thread) {
   return thread.nextId++;
 }
 
-Context* Find(ContextStack& stack, uint64_t id) {
-  const auto found = std::find_if(stack.begin(), stack.end(), [&](const Context& c) { return c.id == id; });
-  return found != stack.end() ? &*found : nullptr;
+uint64_t OpenIdAt(const ThreadContexts& thread, uint32_t position) {
+  return position < kIdsInPlace ? thread.openInPlace[position] : (*thread.deeper)[position - kIdsInPlace];
+}
+
+// Drops the records of `id` and of every context opened after it.
+void DropRecordsFrom(ThreadContexts& thread, uint64_t id) {
+  std::vector<Posted>& posted = *thread.posted;
+  while (!posted.empty() && posted.back().id >= id) posted.pop_back();
+  thread.innermostPosted = posted.empty() ? 0 : posted.back().id;
+}
+
+Posted* RecordOf(ThreadContexts& thread, uint64_t id) {
+  if (thread.posted == nullptr) return nullptr;
+  const auto found = std::find_if(thread.posted->begin(), thread.posted->end(),
+                                  [&](const Posted& record) { return record.id == id; });
+  return found != thread.posted->end() ? &*found : nullptr;
 }
 
 }  // namespace
 
-// Every call of the library enters and exits a context: each looks up the
-// thread's data once. The common case (an id left in the thread's block, room
-// on its stack) is kept apart from the rest, so that it saves no registers
-// it does not use.
+// The common case (an id left in the thread's block, room in place) is kept
+// apart from the rest, so that it saves no registers it does not use.
 [[gnu::noinline, gnu::cold]] static uint64_t EnterContextSlowly(ThreadContexts& thread) {
   const uint64_t id = NextId(thread);
-  if (ContextStack* stack = ThreadStack(thread)) stack->emplace_back(id);
+  if (thread.depth < kIdsInPlace) {
+    thread.openInPlace[thread.depth++] = id;
+  } else if (std::vector<uint64_t>* deeper = Made(thread, thread.deeper)) {
+    deeper->push_back(id);
+    ++thread.depth;
+  }
   return id;
 }
 
 uint64_t EnterContext() {
   ThreadContexts& thread = self;
-  ContextStack* stack = thread.stack;
-  if (thread.nextId == thread.blockEnd || stack == nullptr || stack->size() == stack->capacity()) [[unlikely]]
+  if (thread.depth >= kIdsInPlace || thread.nextId == thread.blockEnd) [[unlikely]]
     return EnterContextSlowly(thread);
   const uint64_t id = thread.nextId++;
-  stack->emplace_back(id);
+  thread.openInPlace[thread.depth++] = id;
   return id;
 }
 
-[[gnu::noinline]] static void ExitContextsOpenedInside(ContextStack& stack, uint64_t id) {
-  const auto found = std::find_if(stack.begin(), stack.end(), [&](const Context& c) { return c.id == id; });
-  stack.erase(found, stack.end());
+// Closes the context at `position` of the open ones and all inside it.
+static void CloseFrom(ThreadContexts& thread, uint32_t position, uint64_t id) {
+  thread.depth = position;
+  if (thread.deeper != nullptr && position < kIdsInPlace + thread.deeper->size())
+    thread.deeper->resize(position > kIdsInPlace ? position - kIdsInPlace : 0);
+  if (thread.innermostPosted >= id) DropRecordsFrom(thread, id);
+}
+
+[[gnu::noinline]] static void ExitContextSlowly(ThreadContexts& thread, uint64_t id) {
+  for (uint32_t position = thread.depth; position-- > 0;) {
+    const uint64_t open = OpenIdAt(thread, position);
+    if (open == id) return CloseFrom(thread, position, id);
+    if (open < id) return;  // Ids grow inwards: `id` is not open here
+  }
 }
 
 void ExitContext(uint64_t id) {
-  ContextStack* stack = self.stack;
-  if (stack == nullptr || stack->empty()) return;
-  // Contexts close in the order they opened, nearly always.
-  if (stack->back().id == id) [[likely]] {
-    stack->pop_back();
+  ThreadContexts& thread = self;
+  // Contexts close in the order they opened, nearly always, and most were
+  // never posted into.
+  const uint32_t depth = thread.depth;
+  if (depth != 0 && depth <= kIdsInPlace && thread.openInPlace[depth - 1] == id && thread.innermostPosted < id)
+      [[likely]] {
+    thread.depth = depth - 1;
     return;
   }
-  ExitContextsOpenedInside(*stack, id);
+  ExitContextSlowly(thread, id);
 }
 
 void Post(uint32_t code, const char* text) {
-  ContextStack* stack = ThreadStack(self);
-  if (stack == nullptr || stack->empty()) return;
-  ContextState& state = stack->back().state;
+  ThreadContexts& thread = self;
+  if (thread.depth == 0) return;
+  const uint64_t innermost = OpenIdAt(thread, thread.depth - 1);
+  std::vector<Posted>* posted = Made(thread, thread.posted);
+  if (posted == nullptr) return;
+  if (thread.innermostPosted != innermost) {
+    posted->emplace_back(innermost);
+    thread.innermostPosted = innermost;
+  }
+  ContextState& state = posted->back().state;
   if (state.code == 0) state.code = code;
   if (text == nullptr || *text == '\0') return;
   if (!state.message.empty()) state.message += kMessageSeparator;
@@ -120,10 +173,8 @@ void Post(uint32_t code, const char* text) {
 }
 
 const ContextState* StateOf(uint64_t id) {
-  ContextStack* stack = ThreadStack(self);
-  if (stack == nullptr) return nullptr;
-  const Context* context = Find(*stack, id);
-  return context != nullptr ? &context->state : nullptr;
+  const Posted* record = RecordOf(self, id);
+  return record != nullptr ? &record->state : nullptr;
 }
 
 }  // namespace voxtrel::platform::error

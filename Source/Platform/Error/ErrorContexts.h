@@ -22,8 +22,9 @@ struct ContextState {
   uint32_t code = 0;
   std::string message;
 };
-// The state of a context open on the calling thread, null for any other id.
-// Valid until the thread next enters or exits a context.
+// The state of a context open on the calling thread that something was
+// posted into; null for any other id. Valid until the thread next enters,
+// exits or posts into a context.
 const ContextState* StateOf(uint64_t id);
 
 }  // namespace voxtrel::platform::error

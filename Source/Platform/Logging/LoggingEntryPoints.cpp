@@ -21,8 +21,14 @@ Voxtrel_LoggerHandle Voxtrel_LoggingGetLogger(uint32_t stream) {
   return &LoggerOf(stream);
 }
 
+// Asked twice by every call of the interface library: the common case is a
+// leaf that saves no register.
+[[gnu::noinline]] static bool StreamZeroWrites(uint32_t level) { return LoggerOf(uint32_t{0}).Writes(level); }
+
 bool Voxtrel_LoggingIsLogEnabled(Voxtrel_LoggerHandle logger, uint32_t level) {
-  return LoggerOf(logger).Writes(level);
+  if (logger == nullptr) [[unlikely]]
+    return StreamZeroWrites(level);
+  return static_cast<const StreamLogger*>(logger)->Writes(level);
 }
 
 bool Voxtrel_LoggingIsLoggingSuppressed() { return IsSuppressed(); }

@@ -21,6 +21,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -62,9 +63,10 @@ class Call {
   const OperationSite& site() const { return site_; }
   OperationPrefix prefix() const { return OperationPrefix{site_}; }
 
-  // The call's message stream, made on first use.
+  // The call's message stream, made on first use: most calls never write to
+  // it, and a stream is too large to carry on every call's stack.
   std::ostream& message() {
-    if (!message_) message_.emplace();
+    if (!message_) message_ = std::make_unique<TextStream>();
     return *message_;
   }
 
@@ -142,16 +144,19 @@ class Call {
     Voxtrel_ErrorPostError(code::kException, "", site_.file, site_.line);
   }
   void PostMessage() {
-    if (!failed() || !message_) return;
-    const std::string text = message_->str();
-    if (!text.empty()) Voxtrel_ErrorPostError(code_, text.c_str(), site_.file, site_.line);
+    if (failed() && message_) PostWrittenMessage();
   }
 
  private:
   const OperationSite& site_;
   uint32_t code_ = code::kSuccess;
-  std::optional<TextStream> message_;
+  std::unique_ptr<TextStream> message_;
   std::optional<int32_t> passedPublic_;
+
+  [[gnu::noinline]] void PostWrittenMessage() {
+    const std::string text = message_->str();
+    if (!text.empty()) Voxtrel_ErrorPostError(code_, text.c_str(), site_.file, site_.line);
+  }
 };
 
 // The argument part of a line with no argument.
@@ -243,7 +248,7 @@ void RunBody(Call& call, Body& body) {
 }
 
 template <class OutArgs, class Body>
-int32_t RunInContext(const ServiceLogger& logger, const OperationSite& site, Voxtrel_ErrorContext context,
+[[gnu::always_inline]] inline int32_t RunInContext(const ServiceLogger& logger, const OperationSite& site, Voxtrel_ErrorContext context,
                      const OutArgs& out, Body& body) {
   Call call(site);
   RunBody(call, body);
