@@ -52,8 +52,6 @@ using target_manager::AnswerCount;
 using target_manager::AnswerFill;
 using target_manager::HexId;
 using target_manager::ListOf;
-using target_manager::NameFields;
-using target_manager::PastTheList;
 using target_manager::Request;
 
 constexpr uint32_t kUnknownName = 0x20001;  // No config, option or action of that name
@@ -166,7 +164,9 @@ const Item* Named(Request& request, const std::vector<Item>& items, const char* 
   return nullptr;
 }
 
-constexpr NameFields Names(uint32_t max) { return {max, kNameSize, PastTheList::Untouched}; }
+constexpr target_manager::NameFields Names(uint32_t max) {
+  return {max, kNameSize, target_manager::PastTheList::Untouched};
+}
 
 // The config a request names, its pointers checked.
 std::optional<std::pair<Described, const Config*>> ConfigOf(Request& request, uint32_t deviceId, const char* name,

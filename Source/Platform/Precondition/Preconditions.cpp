@@ -40,8 +40,6 @@ using target_manager::AnswerCount;
 using target_manager::AnswerFill;
 using target_manager::HexId;
 using target_manager::ListOf;
-using target_manager::NameFields;
-using target_manager::PastTheList;
 using target_manager::Request;
 
 constexpr uint32_t kUnknownPrecondition = 0x20001;  // No such precondition, or a state out of range
@@ -162,6 +160,10 @@ VXT_PreconditionState ThreadState(cpu::CpuBackend& backend) {
                                          : VXT_PreconditionState_Unknown;
 }
 
+constexpr target_manager::NameFields Names(uint32_t max) {
+  return {max, kNameFieldSize, target_manager::PastTheList::Untouched};
+}
+
 uint32_t GetNumPreconditions(uint32_t deviceId, uint32_t* count) {
   VOXTREL_COMPONENT_CALL("Precondition.GetNumPreconditions", "deviceId=", HexId(deviceId));
   Request request("Precondition.GetNumPreconditions");
@@ -171,7 +173,7 @@ uint32_t GetNumPreconditions(uint32_t deviceId, uint32_t* count) {
 uint32_t GetPreconditions(uint32_t deviceId, uint32_t maxNumPreconditions, char* names) {
   VOXTREL_COMPONENT_CALL("Precondition.GetPreconditions", "deviceId=", HexId(deviceId), ",max=", maxNumPreconditions);
   Request request("Precondition.GetPreconditions");
-  return AnswerFill(request, names, "names", NameFields{maxNumPreconditions, kNameFieldSize, PastTheList::Untouched},
+  return AnswerFill(request, names, "names", Names(maxNumPreconditions),
                     [&] { return ListOf(PreconditionsOf(request, deviceId), &Found::all); });
 }
 

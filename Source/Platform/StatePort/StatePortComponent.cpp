@@ -37,8 +37,6 @@ using target_manager::AnswerFill;
 using target_manager::CopyText;
 using target_manager::HexId;
 using target_manager::ListOf;
-using target_manager::NameFields;
-using target_manager::PastTheList;
 using target_manager::Request;
 
 constexpr uint32_t kNameSize = 64;
@@ -168,7 +166,9 @@ uint32_t GetNumStatePorts(uint32_t deviceId, uint32_t* numStatePorts) {
   return AnswerCount(request, numStatePorts, "numStatePorts", [&] { return ListOf(PortsOf(request, deviceId)); });
 }
 
-constexpr NameFields Names(uint32_t max) { return {max, kNameSize, PastTheList::Emptied}; }
+constexpr target_manager::NameFields Names(uint32_t max) {
+  return {max, kNameSize, target_manager::PastTheList::Emptied};
+}
 
 // The address fields of the port a request names; none when it names none.
 std::vector<AddressField> AddressFieldsOf(Request& request, uint32_t deviceId, const char* statePortName) {
