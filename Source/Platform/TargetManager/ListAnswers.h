@@ -45,8 +45,9 @@ uint32_t AnswerFill(Request& request, Out* out, const char* outName, Write&& wri
 // What `of` finds in the built topology; nothing when none is built.
 template <class Of>
 auto InTopology(Request& request, Of&& of) {
+  using List = std::decay_t<std::invoke_result_t<Of, const target::LiveTopology&>>;
   const target::LiveTopology* live = request.Topology();
-  return live ? of(*live) : decltype(of(*live)){};
+  return live ? List(of(*live)) : List{};
 }
 
 // The list found, or an empty one; `member` picks the list out of what was
@@ -64,7 +65,11 @@ auto ListOf(const std::optional<Found>& found, Member&& member) {
 // The client's `max` ids: the first of the list, zeros past its last.
 struct IdEntries {
   uint32_t max;
-  void operator()(const std::vector<uint32_t>& ids, uint32_t* out) const;
+  void operator()(const std::vector<uint32_t>& ids, uint32_t* out) const {
+    const size_t filled = std::min<size_t>(ids.size(), max);
+    std::copy_n(ids.begin(), filled, out);
+    std::fill(out + filled, out + max, 0u);
+  }
 };
 
 // What a name fill leaves in the client's fields past the list's last entry.
