@@ -15,12 +15,17 @@
 #include "Target/JsonReader.h"
 #include "Target/PerTarget.h"
 #include "Target/TargetModel.h"
+#include "TargetManager/ListAnswers.h"
 
 namespace voxtrel::platform::authorization {
 namespace {
 
 using target::Json;
 using target::Node;
+using target_manager::AnswerCount;
+using target_manager::AnswerFill;
+using target_manager::ListOf;
+using target_manager::NameFields;
 using target_manager::Request;
 
 constexpr size_t kLevelFieldSize = kMaxLevelNameLength + 1;
@@ -140,10 +145,8 @@ uint32_t GetNumAuthorizationLevels(uint32_t deviceId, uint32_t* numLevelNames) {
   VOXTREL_COMPONENT_CALL("Authorization.GetNumAuthorizationLevels", "deviceId=", target_manager::HexId(deviceId));
   Request request("Authorization.GetNumAuthorizationLevels");
   return Guarded(request, [&] {
-    const auto offer = OfferFor(request.NotNull(numLevelNames, "numLevelNames"), deviceId);
-    if (!offer) return request.code();
-    *numLevelNames = static_cast<uint32_t>(offer->levels.size());
-    return 0u;
+    return AnswerCount(request, numLevelNames, "numLevelNames",
+                       [&] { return ListOf(OfferFor(request, deviceId), &Offer::levels); });
   });
 }
 
@@ -152,11 +155,9 @@ uint32_t GetAuthorizationLevels(uint32_t deviceId, uint32_t numLevelNames, char*
                          ",numLevelNames=", numLevelNames);
   Request request("Authorization.GetAuthorizationLevels");
   return Guarded(request, [&] {
-    const auto offer = OfferFor(request.NotNull(levelNames, "levelNames"), deviceId);
-    if (!offer) return request.code();
-    for (uint32_t i = 0; i < numLevelNames; ++i)
-      CopyField(i < offer->levels.size() ? offer->levels[i].name : std::string(), levelNames + i * kLevelFieldSize);
-    return 0u;
+    return AnswerFill(request, levelNames, "levelNames",
+                      NameFields{numLevelNames, kLevelFieldSize, target_manager::PastTheList::Emptied},
+                      [&] { return ListOf(OfferFor(request, deviceId), &Offer::levels); });
   });
 }
 

@@ -34,6 +34,7 @@
 #include "Target/FacetOwner.h"
 #include "Target/JsonReader.h"
 #include "Target/PerTarget.h"
+#include "TargetManager/ListAnswers.h"
 #include "TargetManager/Request.h"
 
 // The library's handle of a device: its id, for the life of the process.
@@ -47,7 +48,10 @@ namespace voxtrel::platform::device_control {
 namespace {
 
 using target::Json;
+using target_manager::AnswerCount;
+using target_manager::AnswerFill;
 using target_manager::HexId;
+using target_manager::ListOf;
 using target_manager::Request;
 
 constexpr uint32_t kUnknownName = 0x20001;  // No config, option or action of that name
@@ -160,10 +164,8 @@ const Item* Named(Request& request, const std::vector<Item>& items, const char* 
   return nullptr;
 }
 
-template <class Item>
-void FillNames(const std::vector<Item>& items, uint32_t max, char* fields) {
-  for (uint32_t i = 0; i < max && i < items.size(); ++i)
-    target_manager::CopyText(items[i].name, fields + i * kNameSize, kNameSize);
+constexpr target_manager::NameFields Names(uint32_t max) {
+  return {max, kNameSize, target_manager::PastTheList::Untouched};
 }
 
 // The config a request names, its pointers checked.
@@ -176,22 +178,25 @@ std::optional<std::pair<Described, const Config*>> ConfigOf(Request& request, ui
   return std::make_pair(std::move(*described), config);
 }
 
+// The options of the config a request names; none when it names none.
+std::vector<std::string> OptionsOf(Request& request, uint32_t deviceId, const char* name) {
+  const auto described = DescribedFor(request.NotNull(name, "deviceConfigName"), deviceId);
+  const Config* config = described ? Named(request, described->configs, name, "config") : nullptr;
+  return config ? config->options : std::vector<std::string>{};
+}
+
 uint32_t GetNumDeviceConfigNames(uint32_t deviceId, uint32_t* count) {
   VOXTREL_COMPONENT_CALL("DeviceControl.GetNumDeviceConfigNames", "deviceId=", HexId(deviceId));
   Request request("DeviceControl.GetNumDeviceConfigNames");
-  const auto described = DescribedFor(request.NotNull(count, "numDeviceConfigNames"), deviceId);
-  if (!described) return request.code();
-  *count = static_cast<uint32_t>(described->configs.size());
-  return 0;
+  return AnswerCount(request, count, "numDeviceConfigNames",
+                     [&] { return ListOf(DescribedFor(request, deviceId), &Described::configs); });
 }
 
 uint32_t GetDeviceConfigNames(uint32_t deviceId, uint32_t max, char* names) {
   VOXTREL_COMPONENT_CALL("DeviceControl.GetDeviceConfigNames", "deviceId=", HexId(deviceId));
   Request request("DeviceControl.GetDeviceConfigNames");
-  const auto described = DescribedFor(request.NotNull(names, "deviceConfigNames"), deviceId);
-  if (!described) return request.code();
-  FillNames(described->configs, max, names);
-  return 0;
+  return AnswerFill(request, names, "deviceConfigNames", Names(max),
+                    [&] { return ListOf(DescribedFor(request, deviceId), &Described::configs); });
 }
 
 uint32_t SetDeviceConfig(uint32_t deviceId, const char* name, const char* value) {
@@ -237,38 +242,30 @@ uint32_t GetDeviceConfigDescription(uint32_t deviceId, const char* name, char* d
 uint32_t GetNumDeviceConfigOptions(uint32_t deviceId, const char* name, uint32_t* count) {
   VOXTREL_COMPONENT_CALL("DeviceControl.GetNumDeviceConfigOptions", "deviceId=", HexId(deviceId));
   Request request("DeviceControl.GetNumDeviceConfigOptions");
-  const auto found = ConfigOf(request, deviceId, name, count, "numDeviceConfigOptions");
-  if (!found) return request.code();
-  *count = static_cast<uint32_t>(found->second->options.size());
-  return 0;
+  // The config's name is checked before the client's counter.
+  return AnswerCount(request.NotNull(name, "deviceConfigName"), count, "numDeviceConfigOptions",
+                     [&] { return OptionsOf(request, deviceId, name); });
 }
 
 uint32_t GetDeviceConfigOptions(uint32_t deviceId, const char* name, uint32_t max, char* options) {
   VOXTREL_COMPONENT_CALL("DeviceControl.GetDeviceConfigOptions", "deviceId=", HexId(deviceId));
   Request request("DeviceControl.GetDeviceConfigOptions");
-  const auto found = ConfigOf(request, deviceId, name, options, "deviceConfigOptions");
-  if (!found) return request.code();
-  const auto& all = found->second->options;
-  for (uint32_t i = 0; i < max && i < all.size(); ++i) target_manager::CopyText(all[i], options + i * kNameSize, kNameSize);
-  return 0;
+  return AnswerFill(request.NotNull(name, "deviceConfigName"), options, "deviceConfigOptions", Names(max),
+                    [&] { return OptionsOf(request, deviceId, name); });
 }
 
 uint32_t GetNumDeviceActionNames(uint32_t deviceId, uint32_t* count) {
   VOXTREL_COMPONENT_CALL("DeviceControl.GetNumDeviceActionNames", "deviceId=", HexId(deviceId));
   Request request("DeviceControl.GetNumDeviceActionNames");
-  const auto described = DescribedFor(request.NotNull(count, "numDeviceActionNames"), deviceId);
-  if (!described) return request.code();
-  *count = static_cast<uint32_t>(described->actions.size());
-  return 0;
+  return AnswerCount(request, count, "numDeviceActionNames",
+                     [&] { return ListOf(DescribedFor(request, deviceId), &Described::actions); });
 }
 
 uint32_t GetDeviceActionNames(uint32_t deviceId, uint32_t max, char* names) {
   VOXTREL_COMPONENT_CALL("DeviceControl.GetDeviceActionNames", "deviceId=", HexId(deviceId));
   Request request("DeviceControl.GetDeviceActionNames");
-  const auto described = DescribedFor(request.NotNull(names, "deviceActionNames"), deviceId);
-  if (!described) return request.code();
-  FillNames(described->actions, max, names);
-  return 0;
+  return AnswerFill(request, names, "deviceActionNames", Names(max),
+                    [&] { return ListOf(DescribedFor(request, deviceId), &Described::actions); });
 }
 
 uint32_t GetDeviceActionDescription(uint32_t deviceId, const char* name, char* description) {

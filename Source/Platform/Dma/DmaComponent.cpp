@@ -15,6 +15,7 @@
 #include "RunControl/ImageFiles.h"
 #include "RunControl/RunControlCodes.h"
 #include "Support/ComponentCall.h"
+#include "TargetManager/ListAnswers.h"
 
 namespace voxtrel::platform::dma {
 namespace {
@@ -90,8 +91,8 @@ uint32_t GetSupportedConfigurationAccessMethods(uint32_t deviceId, uint32_t maxN
   if (device == nullptr) return request.code();
   const std::vector<std::string> methods = MethodsOf(*device);
   *numMethods = static_cast<uint32_t>(methods.size());
-  for (uint32_t i = 0; i < maxNumMethods; ++i)
-    CopyText(i < methods.size() ? methods[i] : std::string(), configAccessMethods[i], kNameSize);
+  const target_manager::NameFields names{maxNumMethods, kNameSize, target_manager::PastTheList::Emptied};
+  names(methods, configAccessMethods);
   return 0;
 }
 

@@ -27,6 +27,7 @@
 #include "Target/FacetOwner.h"
 #include "Target/JsonReader.h"
 #include "Target/PerTarget.h"
+#include "TargetManager/ListAnswers.h"
 #include "TargetManager/Request.h"
 
 namespace voxtrel::platform::precondition {
@@ -35,7 +36,10 @@ namespace {
 using receipts::ReceiptOutcome;
 using target::Json;
 using target::Node;
+using target_manager::AnswerCount;
+using target_manager::AnswerFill;
 using target_manager::HexId;
+using target_manager::ListOf;
 using target_manager::Request;
 
 constexpr uint32_t kUnknownPrecondition = 0x20001;  // No such precondition, or a state out of range
@@ -156,23 +160,21 @@ VXT_PreconditionState ThreadState(cpu::CpuBackend& backend) {
                                          : VXT_PreconditionState_Unknown;
 }
 
+constexpr target_manager::NameFields Names(uint32_t max) {
+  return {max, kNameFieldSize, target_manager::PastTheList::Untouched};
+}
+
 uint32_t GetNumPreconditions(uint32_t deviceId, uint32_t* count) {
   VOXTREL_COMPONENT_CALL("Precondition.GetNumPreconditions", "deviceId=", HexId(deviceId));
   Request request("Precondition.GetNumPreconditions");
-  const auto found = PreconditionsOf(request.NotNull(count, "count"), deviceId);
-  if (!found) return request.code();
-  *count = static_cast<uint32_t>(found->all.size());
-  return 0;
+  return AnswerCount(request, count, "count", [&] { return ListOf(PreconditionsOf(request, deviceId), &Found::all); });
 }
 
 uint32_t GetPreconditions(uint32_t deviceId, uint32_t maxNumPreconditions, char* names) {
   VOXTREL_COMPONENT_CALL("Precondition.GetPreconditions", "deviceId=", HexId(deviceId), ",max=", maxNumPreconditions);
   Request request("Precondition.GetPreconditions");
-  const auto found = PreconditionsOf(request.NotNull(names, "names"), deviceId);
-  if (!found) return request.code();
-  for (uint32_t i = 0; i < maxNumPreconditions && i < found->all.size(); ++i)
-    target_manager::CopyText(found->all[i].name, names + i * kNameFieldSize, kNameFieldSize);
-  return 0;
+  return AnswerFill(request, names, "names", Names(maxNumPreconditions),
+                    [&] { return ListOf(PreconditionsOf(request, deviceId), &Found::all); });
 }
 
 uint32_t GetPreconditionId(uint32_t deviceId, const char* name, uint32_t* id) {

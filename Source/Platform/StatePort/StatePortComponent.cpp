@@ -16,6 +16,7 @@
 #include "StatePort/StatePortStore.h"
 #include "Support/ComponentCall.h"
 #include "Target/PostFailure.h"
+#include "TargetManager/ListAnswers.h"
 #include "TargetManager/Request.h"
 #include "Cpu/EmulatedMachine.h"
 
@@ -31,8 +32,11 @@ namespace {
 using receipts::ReceiptOutcome;
 using receipts::ReceiptValue;
 using run_control::HexText;
+using target_manager::AnswerCount;
+using target_manager::AnswerFill;
 using target_manager::CopyText;
 using target_manager::HexId;
+using target_manager::ListOf;
 using target_manager::Request;
 
 constexpr uint32_t kNameSize = 64;
@@ -159,25 +163,24 @@ uint32_t ReadModifyWrite(uint32_t deviceId, const char* statePortName, uint32_t 
 uint32_t GetNumStatePorts(uint32_t deviceId, uint32_t* numStatePorts) {
   VOXTREL_COMPONENT_CALL("StatePort.GetNumStatePorts", "deviceId=", HexId(deviceId));
   Request request("StatePort.GetNumStatePorts");
-  const auto ports = PortsOf(request.NotNull(numStatePorts, "numStatePorts"), deviceId);
-  if (!ports) return request.code();
-  *numStatePorts = static_cast<uint32_t>(ports->size());
-  return 0;
+  return AnswerCount(request, numStatePorts, "numStatePorts", [&] { return ListOf(PortsOf(request, deviceId)); });
 }
 
-// Fills `max` buffers of 64 characters with names, empty past the last.
-template <class Items>
-void FillNames(const Items& items, uint32_t max, char (*names)[kNameSize]) {
-  for (uint32_t i = 0; i < max; ++i) CopyText(i < items.size() ? items[i].name : std::string(), names[i], kNameSize);
+constexpr target_manager::NameFields Names(uint32_t max) {
+  return {max, kNameSize, target_manager::PastTheList::Emptied};
+}
+
+// The address fields of the port a request names; none when it names none.
+std::vector<AddressField> AddressFieldsOf(Request& request, uint32_t deviceId, const char* statePortName) {
+  const auto found = FindPort(request, deviceId, statePortName);
+  return found ? found->port.addressFields : std::vector<AddressField>{};
 }
 
 uint32_t GetStatePorts(uint32_t deviceId, uint32_t maxNumStatePorts, char (*statePortNames)[kNameSize]) {
   VOXTREL_COMPONENT_CALL("StatePort.GetStatePorts", "deviceId=", HexId(deviceId));
   Request request("StatePort.GetStatePorts");
-  const auto ports = PortsOf(request.NotNull(statePortNames, "statePortNames"), deviceId);
-  if (!ports) return request.code();
-  FillNames(*ports, maxNumStatePorts, statePortNames);
-  return 0;
+  return AnswerFill(request, statePortNames, "statePortNames", Names(maxNumStatePorts),
+                    [&] { return ListOf(PortsOf(request, deviceId)); });
 }
 
 uint32_t GetAccessSize(uint32_t deviceId, const char* statePortName, uint32_t* accessSize) {
@@ -210,20 +213,16 @@ uint32_t GetStatePortDescription(uint32_t deviceId, const char* statePortName, c
 uint32_t GetNumAddressFields(uint32_t deviceId, const char* statePortName, uint32_t* numAddressFields) {
   VOXTREL_COMPONENT_CALL("StatePort.GetNumAddressFields", "deviceId=", HexId(deviceId));
   Request request("StatePort.GetNumAddressFields");
-  const auto found = FindPort(request.NotNull(numAddressFields, "numAddressFields"), deviceId, statePortName);
-  if (!found) return request.code();
-  *numAddressFields = static_cast<uint32_t>(found->port.addressFields.size());
-  return 0;
+  return AnswerCount(request, numAddressFields, "numAddressFields",
+                     [&] { return AddressFieldsOf(request, deviceId, statePortName); });
 }
 
 uint32_t GetAddressFields(uint32_t deviceId, const char* statePortName, uint32_t maxNumAddressFields,
                           char (*addressFields)[kNameSize]) {
   VOXTREL_COMPONENT_CALL("StatePort.GetAddressFields", "deviceId=", HexId(deviceId));
   Request request("StatePort.GetAddressFields");
-  const auto found = FindPort(request.NotNull(addressFields, "addressFields"), deviceId, statePortName);
-  if (!found) return request.code();
-  FillNames(found->port.addressFields, maxNumAddressFields, addressFields);
-  return 0;
+  return AnswerFill(request, addressFields, "addressFields", Names(maxNumAddressFields),
+                    [&] { return AddressFieldsOf(request, deviceId, statePortName); });
 }
 
 uint32_t GetAddressFieldDescription(uint32_t deviceId, const char* statePortName, const char* addressFieldName,

@@ -7,6 +7,7 @@
 #include "Support/ComponentCall.h"
 #include "Target/CallArguments.h"
 #include "TargetManager/DeviceQueries.h"
+#include "TargetManager/ListAnswers.h"
 #include "TargetManager/Request.h"
 
 namespace voxtrel::platform::target_manager {
@@ -26,29 +27,31 @@ const std::string* FindOrRefuse(Request& request, const Node& device, std::strin
   return value;
 }
 
+// The device's properties; none for a device that is not known.
+std::vector<target::Property> PropertiesOf(Request& request, uint32_t deviceId) {
+  const Node* device = request.Device(deviceId);
+  return device ? device->properties : std::vector<target::Property>{};
+}
+
 }  // namespace
 
 uint32_t GetNumDevicePropertyNames(uint32_t deviceId, uint32_t* propertyNameCount) {
   VOXTREL_COMPONENT_CALL("TargetManager.GetNumDevicePropertyNames", "deviceId=", HexId(deviceId));
   Request request("TargetManager.GetNumDevicePropertyNames");
-  const Node* device = request.NotNull(propertyNameCount, "propertyNameCount").Device(deviceId);
-  if (device == nullptr) return request.code();
-  *propertyNameCount = static_cast<uint32_t>(device->properties.size());
-  return 0;
+  return AnswerCount(request, propertyNameCount, "propertyNameCount", [&] { return PropertiesOf(request, deviceId); });
 }
 
 uint32_t GetDevicePropertyNames(uint32_t deviceId, uint32_t maxPropertyNames, VXT_PropertyName* propertyNames) {
   VOXTREL_COMPONENT_CALL("TargetManager.GetDevicePropertyNames", "deviceId=", HexId(deviceId),
                          ", maxPropertyNames=", maxPropertyNames);
   Request request("TargetManager.GetDevicePropertyNames");
-  const Node* device = request.NotNull(propertyNames, "propertyNames").Device(deviceId);
-  if (device == nullptr) return request.code();
-  for (uint32_t index = 0; index < maxPropertyNames; ++index) {
-    const std::string name = index < device->properties.size() ? device->properties[index].name : std::string();
-    std::memset(propertyNames[index], 0, VXT_PROPERTY_NAME_SIZE);
-    CopyText(name, propertyNames[index], VXT_PROPERTY_NAME_SIZE);
-  }
-  return 0;
+  // Each name is followed by zero bytes to its field's end.
+  const auto zeroPadded = [&](const auto& properties, VXT_PropertyName* names) {
+    std::memset(names, 0, sizeof(VXT_PropertyName) * maxPropertyNames);
+    NameFields{maxPropertyNames, VXT_PROPERTY_NAME_SIZE, PastTheList::Untouched}(properties, names);
+  };
+  return AnswerFill(request, propertyNames, "propertyNames", zeroPadded,
+                    [&] { return PropertiesOf(request, deviceId); });
 }
 
 uint32_t GetDeviceProperty(uint32_t deviceId, const char* propertyName, char* propertyValue) {

@@ -3,13 +3,13 @@
 // core groups.
 #include <algorithm>
 #include <cstring>
-#include <functional>
 #include <string_view>
 #include <vector>
 
 #include "Support/ComponentCall.h"
 #include "Target/CallArguments.h"
 #include "TargetManager/DeviceQueries.h"
+#include "TargetManager/ListAnswers.h"
 #include "TargetManager/Request.h"
 
 namespace voxtrel::platform::target_manager {
@@ -60,6 +60,8 @@ std::vector<uint32_t> IdsOfTypes(Request& request, uint32_t targetDomainId, uint
   return ids;
 }
 
+std::vector<uint32_t> TargetDomainIds(const LiveTopology& live) { return live.Layout().TargetDomainIds(); }
+
 std::vector<uint32_t> ChildIds(Request& request, uint32_t deviceId) {
   const Node* device = request.Device(deviceId);
   return device ? device->childIds : std::vector<uint32_t>{};
@@ -103,44 +105,20 @@ std::vector<uint32_t> CoreGroupMembers(Request& request, uint32_t coreGroupId, V
   return ids;
 }
 
-// Counts what `collect` gathers.
-uint32_t Count(Request& request, uint32_t* count, const char* countName,
-               const std::function<std::vector<uint32_t>()>& collect) {
-  if (request.NotNull(count, countName).failed()) return request.code();
-  const std::vector<uint32_t> ids = collect();
-  if (request.failed()) return request.code();
-  *count = static_cast<uint32_t>(ids.size());
-  return 0;
-}
-
-// Fills the caller's array with what `collect` gathers.
-uint32_t Fill(Request& request, uint32_t max, uint32_t* out, const char* outName,
-              const std::function<std::vector<uint32_t>()>& collect) {
-  if (request.NotNull(out, outName).failed()) return request.code();
-  const std::vector<uint32_t> ids = collect();
-  if (request.failed()) return request.code();
-  FillIds(ids, max, out);
-  return 0;
-}
-
 }  // namespace
 
 uint32_t GetNumTargetDomainDeviceIds(uint32_t* numTargetDomains) {
   VOXTREL_COMPONENT_CALL("TargetManager.GetNumTargetDomainDeviceIds");
   Request request("TargetManager.GetNumTargetDomainDeviceIds");
-  return Count(request, numTargetDomains, "numTargetDomains", [&] {
-    const LiveTopology* live = request.Topology();
-    return live ? live->Layout().TargetDomainIds() : std::vector<uint32_t>{};
-  });
+  return AnswerCount(request, numTargetDomains, "numTargetDomains",
+                     [&] { return InTopology(request, TargetDomainIds); });
 }
 
 uint32_t GetTargetDomainDeviceIds(uint32_t maxNumTargetDomains, uint32_t* targetDomainDeviceIds) {
   VOXTREL_COMPONENT_CALL("TargetManager.GetTargetDomainDeviceIds", "maxNumTargetDomains=", maxNumTargetDomains);
   Request request("TargetManager.GetTargetDomainDeviceIds");
-  return Fill(request, maxNumTargetDomains, targetDomainDeviceIds, "targetDomainDeviceIds", [&] {
-    const LiveTopology* live = request.Topology();
-    return live ? live->Layout().TargetDomainIds() : std::vector<uint32_t>{};
-  });
+  return AnswerFill(request, targetDomainDeviceIds, "targetDomainDeviceIds", IdEntries{maxNumTargetDomains},
+                    [&] { return InTopology(request, TargetDomainIds); });
 }
 
 uint32_t GetNumDeviceIdsOfTypes(uint32_t targetDomainId, uint32_t numNodeTypes, const VXT_NodeType* nodeTypes,
@@ -148,8 +126,8 @@ uint32_t GetNumDeviceIdsOfTypes(uint32_t targetDomainId, uint32_t numNodeTypes, 
   VOXTREL_COMPONENT_CALL("TargetManager.GetNumDeviceIdsOfTypes", "targetDomainId=", HexId(targetDomainId),
                          ", numNodeTypes=", numNodeTypes);
   Request request("TargetManager.GetNumDeviceIdsOfTypes");
-  return Count(request, numDeviceIds, "numDeviceIds",
-               [&] { return IdsOfTypes(request, targetDomainId, numNodeTypes, nodeTypes); });
+  return AnswerCount(request, numDeviceIds, "numDeviceIds",
+                     [&] { return IdsOfTypes(request, targetDomainId, numNodeTypes, nodeTypes); });
 }
 
 uint32_t GetDeviceIdsOfTypes(uint32_t targetDomainId, uint32_t numNodeTypes, const VXT_NodeType* nodeTypes,
@@ -157,8 +135,8 @@ uint32_t GetDeviceIdsOfTypes(uint32_t targetDomainId, uint32_t numNodeTypes, con
   VOXTREL_COMPONENT_CALL("TargetManager.GetDeviceIdsOfTypes", "targetDomainId=", HexId(targetDomainId),
                          ", numNodeTypes=", numNodeTypes, ", maxNumDeviceIds=", maxNumDeviceIds);
   Request request("TargetManager.GetDeviceIdsOfTypes");
-  return Fill(request, maxNumDeviceIds, deviceIds, "deviceIds",
-              [&] { return IdsOfTypes(request, targetDomainId, numNodeTypes, nodeTypes); });
+  return AnswerFill(request, deviceIds, "deviceIds", IdEntries{maxNumDeviceIds},
+                    [&] { return IdsOfTypes(request, targetDomainId, numNodeTypes, nodeTypes); });
 }
 
 uint32_t GetParentIdForDevice(uint32_t deviceId, uint32_t* parentId) {
@@ -173,14 +151,15 @@ uint32_t GetParentIdForDevice(uint32_t deviceId, uint32_t* parentId) {
 uint32_t GetNumChildrenIds(uint32_t deviceId, uint32_t* numChildren) {
   VOXTREL_COMPONENT_CALL("TargetManager.GetNumChildrenIds", "deviceId=", HexId(deviceId));
   Request request("TargetManager.GetNumChildrenIds");
-  return Count(request, numChildren, "numChildren", [&] { return ChildIds(request, deviceId); });
+  return AnswerCount(request, numChildren, "numChildren", [&] { return ChildIds(request, deviceId); });
 }
 
 uint32_t GetChildrenIds(uint32_t deviceId, uint32_t maxChildrenIds, uint32_t* childrenIds) {
   VOXTREL_COMPONENT_CALL("TargetManager.GetChildrenIds", "deviceId=", HexId(deviceId),
                          ", maxChildrenIds=", maxChildrenIds);
   Request request("TargetManager.GetChildrenIds");
-  return Fill(request, maxChildrenIds, childrenIds, "childrenIds", [&] { return ChildIds(request, deviceId); });
+  return AnswerFill(request, childrenIds, "childrenIds", IdEntries{maxChildrenIds},
+                    [&] { return ChildIds(request, deviceId); });
 }
 
 uint32_t GetAncestorIdForType(uint32_t deviceId, VXT_NodeType ancestorType, uint32_t* ancestorId) {
@@ -206,8 +185,8 @@ uint32_t GetNumDescendantIdsForType(uint32_t deviceId, VXT_NodeType descendantTy
                          ", descendantType=", NodeTypeText(descendantType),
                          ", onlyEnabledDescendants=", onlyEnabledDescendants);
   Request request("TargetManager.GetNumDescendantIdsForType");
-  return Count(request, numDescendants, "numDescendants",
-               [&] { return DescendantIds(request, deviceId, descendantType, onlyEnabledDescendants); });
+  return AnswerCount(request, numDescendants, "numDescendants",
+                     [&] { return DescendantIds(request, deviceId, descendantType, onlyEnabledDescendants); });
 }
 
 uint32_t GetDescendantIdsForType(uint32_t deviceId, VXT_NodeType descendantType, bool onlyEnabledDescendants,
@@ -216,8 +195,8 @@ uint32_t GetDescendantIdsForType(uint32_t deviceId, VXT_NodeType descendantType,
                          ", descendantType=", NodeTypeText(descendantType),
                          ", onlyEnabledDescendants=", onlyEnabledDescendants, ", maxDescendantIds=", maxDescendantIds);
   Request request("TargetManager.GetDescendantIdsForType");
-  return Fill(request, maxDescendantIds, descendantIds, "descendantIds",
-              [&] { return DescendantIds(request, deviceId, descendantType, onlyEnabledDescendants); });
+  return AnswerFill(request, descendantIds, "descendantIds", IdEntries{maxDescendantIds},
+                    [&] { return DescendantIds(request, deviceId, descendantType, onlyEnabledDescendants); });
 }
 
 uint32_t GetNodeType(uint32_t deviceId, VXT_NodeType* nodeType) {
@@ -282,8 +261,8 @@ uint32_t GetNumDeviceIdsInCoreGroup(uint32_t coreGroupId, VXT_NodeType nodeType,
   VOXTREL_COMPONENT_CALL("TargetManager.GetNumDeviceIdsInCoreGroup", "coreGroupId=", HexId(coreGroupId),
                          ", nodeType=", NodeTypeText(nodeType), ", onlyEnabledDevices=", onlyEnabledDevices);
   Request request("TargetManager.GetNumDeviceIdsInCoreGroup");
-  return Count(request, numDevices, "numDevices",
-               [&] { return CoreGroupMembers(request, coreGroupId, nodeType, onlyEnabledDevices); });
+  return AnswerCount(request, numDevices, "numDevices",
+                     [&] { return CoreGroupMembers(request, coreGroupId, nodeType, onlyEnabledDevices); });
 }
 
 uint32_t GetDeviceIdsInCoreGroup(uint32_t coreGroupId, VXT_NodeType nodeType, bool onlyEnabledDevices,
@@ -292,8 +271,8 @@ uint32_t GetDeviceIdsInCoreGroup(uint32_t coreGroupId, VXT_NodeType nodeType, bo
                          ", nodeType=", NodeTypeText(nodeType), ", onlyEnabledDevices=", onlyEnabledDevices,
                          ", maxDeviceIds=", maxDeviceIds);
   Request request("TargetManager.GetDeviceIdsInCoreGroup");
-  return Fill(request, maxDeviceIds, deviceIds, "deviceIds",
-              [&] { return CoreGroupMembers(request, coreGroupId, nodeType, onlyEnabledDevices); });
+  return AnswerFill(request, deviceIds, "deviceIds", IdEntries{maxDeviceIds},
+                    [&] { return CoreGroupMembers(request, coreGroupId, nodeType, onlyEnabledDevices); });
 }
 
 uint32_t GetCoreGroupIdForDevice(uint32_t deviceId, uint32_t* coreGroupId) {

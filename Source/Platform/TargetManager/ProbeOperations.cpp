@@ -13,7 +13,6 @@
 #include <cstring>
 #include <map>
 #include <mutex>
-#include <optional>
 #include <set>
 #include <string>
 #include <tuple>
@@ -22,6 +21,7 @@
 #include "Support/ComponentCall.h"
 #include "Target/PerTarget.h"
 #include "TargetManager/DeviceQueries.h"
+#include "TargetManager/ListAnswers.h"
 #include "TargetManager/Request.h"
 
 namespace voxtrel::platform::target_manager {
@@ -100,35 +100,39 @@ std::vector<TapControllerSpecification> Supported(const LiveTopology& live) {
   return kinds;
 }
 
-void FillNames(const std::vector<std::string>& names, uint32_t max, char* fields) {
-  for (uint32_t i = 0; i < max; ++i) CopyText(i < names.size() ? names[i] : std::string(), fields + i * kNameSize, kNameSize);
-}
+std::vector<std::string> Scenarios(const LiveTopology& live) { return live.Layout().Scenarios(); }
 
-void FillTaps(const std::vector<TapControllerSpecification>& taps, uint32_t max, TargetManager_TapController* records) {
-  for (uint32_t i = 0; i < max; ++i) {
-    TargetManager_TapController& record = records[i];
-    record = TargetManager_TapController{};
-    if (i >= taps.size()) continue;
-    CopyText(taps[i].deviceType, record.deviceType, sizeof record.deviceType);
-    CopyText(taps[i].deviceSubType, record.deviceSubType, sizeof record.deviceSubType);
-    CopyText(taps[i].stepping, record.stepping, sizeof record.stepping);
-    record.irLength = taps[i].irLength;
+constexpr NameFields Names(uint32_t max) { return {max, kNameSize, PastTheList::Emptied}; }
+
+// The client's `max` TAP controller records, zeroed past the last.
+struct TapRecords {
+  uint32_t max;
+  void operator()(const std::vector<TapControllerSpecification>& taps, TargetManager_TapController* records) const {
+    for (uint32_t i = 0; i < max; ++i) {
+      TargetManager_TapController& record = records[i];
+      record = TargetManager_TapController{};
+      if (i >= taps.size()) continue;
+      CopyText(taps[i].deviceType, record.deviceType, sizeof record.deviceType);
+      CopyText(taps[i].deviceSubType, record.deviceSubType, sizeof record.deviceSubType);
+      CopyText(taps[i].stepping, record.stepping, sizeof record.stepping);
+      record.irLength = taps[i].irLength;
+    }
   }
-}
+};
 
 std::string Field(const char* field, size_t size) { return std::string(field, strnlen(field, size)); }
 
 // The chain's TAP controllers as its probe finds them; refused before its
 // debug port's probe is initialized.
-std::optional<std::vector<TapControllerSpecification>> Discovered(Request& request, uint32_t jtagChainId) {
+std::vector<TapControllerSpecification> Discovered(Request& request, uint32_t jtagChainId) {
   const Node* chain = request.DeviceOfType(jtagChainId, NodeType::JTAGScanChain);
-  if (chain == nullptr) return std::nullopt;
+  if (chain == nullptr) return {};
   auto& selection = Selection();
   std::lock_guard lock(selection.mutex);
   if (!selection.For(request.SharedTopology()).initializedPorts.contains(chain->debugPortId)) {
     request.Refuse(kNotInitialized, ": the probe of debug port " + HexId(chain->debugPortId) +
                                         " is not initialized; InitializeProbe finds its chains' TAP controllers");
-    return std::nullopt;
+    return {};
   }
   return TapControllersOnChain(*request.Topology(), *chain);
 }
@@ -138,28 +142,20 @@ std::optional<std::vector<TapControllerSpecification>> Discovered(Request& reque
 uint32_t GetProbeTypeCount(uint32_t* probeTypeCount) {
   VOXTREL_COMPONENT_CALL("TargetManager.GetProbeTypeCount");
   Request request("TargetManager.GetProbeTypeCount");
-  const LiveTopology* live = request.NotNull(probeTypeCount, "probeTypeCount").Topology();
-  if (live == nullptr) return request.code();
-  *probeTypeCount = static_cast<uint32_t>(ProbeTypes(*live).size());
-  return 0;
+  return AnswerCount(request, probeTypeCount, "probeTypeCount", [&] { return InTopology(request, ProbeTypes); });
 }
 
 uint32_t GetProbeTypes(uint32_t maxProbeTypeCount, char* probeTypes) {
   VOXTREL_COMPONENT_CALL("TargetManager.GetProbeTypes", "max=", maxProbeTypeCount);
   Request request("TargetManager.GetProbeTypes");
-  const LiveTopology* live = request.NotNull(probeTypes, "probeTypes").Topology();
-  if (live == nullptr) return request.code();
-  FillNames(ProbeTypes(*live), maxProbeTypeCount, probeTypes);
-  return 0;
+  return AnswerFill(request, probeTypes, "probeTypes", Names(maxProbeTypeCount),
+                    [&] { return InTopology(request, ProbeTypes); });
 }
 
 uint32_t GetConnectedProbeCount(uint32_t* probeCount) {
   VOXTREL_COMPONENT_CALL("TargetManager.GetConnectedProbeCount");
   Request request("TargetManager.GetConnectedProbeCount");
-  const LiveTopology* live = request.NotNull(probeCount, "probeCount").Topology();
-  if (live == nullptr) return request.code();
-  *probeCount = static_cast<uint32_t>(Probes(*live).size());
-  return 0;
+  return AnswerCount(request, probeCount, "probeCount", [&] { return InTopology(request, Probes); });
 }
 
 uint32_t GetConnectedProbes(uint32_t maxProbeCount, TargetManager_Probe* probes) {
@@ -217,38 +213,29 @@ uint32_t InitializeProbe(uint32_t debugPortId) {
 uint32_t GetSupportedTapControllerCount(uint32_t* tapControllerCount) {
   VOXTREL_COMPONENT_CALL("TargetManager.GetSupportedTapControllerCount");
   Request request("TargetManager.GetSupportedTapControllerCount");
-  const LiveTopology* live = request.NotNull(tapControllerCount, "tapControllerCount").Topology();
-  if (live == nullptr) return request.code();
-  *tapControllerCount = static_cast<uint32_t>(Supported(*live).size());
-  return 0;
+  return AnswerCount(request, tapControllerCount, "tapControllerCount", [&] { return InTopology(request, Supported); });
 }
 
 uint32_t GetSupportedTapControllers(uint32_t maxTapControllerCount, TargetManager_TapController* tapControllers) {
   VOXTREL_COMPONENT_CALL("TargetManager.GetSupportedTapControllers", "max=", maxTapControllerCount);
   Request request("TargetManager.GetSupportedTapControllers");
-  const LiveTopology* live = request.NotNull(tapControllers, "tapControllers").Topology();
-  if (live == nullptr) return request.code();
-  FillTaps(Supported(*live), maxTapControllerCount, tapControllers);
-  return 0;
+  return AnswerFill(request, tapControllers, "tapControllers", TapRecords{maxTapControllerCount},
+                    [&] { return InTopology(request, Supported); });
 }
 
 uint32_t GetDiscoveredTapControllerCount(uint32_t jtagChainId, uint32_t* tapControllerCount) {
   VOXTREL_COMPONENT_CALL("TargetManager.GetDiscoveredTapControllerCount", "jtagChainId=", HexId(jtagChainId));
   Request request("TargetManager.GetDiscoveredTapControllerCount");
-  const auto taps = Discovered(request.NotNull(tapControllerCount, "tapControllerCount"), jtagChainId);
-  if (!taps) return request.code();
-  *tapControllerCount = static_cast<uint32_t>(taps->size());
-  return 0;
+  return AnswerCount(request, tapControllerCount, "tapControllerCount",
+                     [&] { return Discovered(request, jtagChainId); });
 }
 
 uint32_t GetDiscoveredTapControllers(uint32_t jtagChainId, uint32_t maxTapControllerCount,
                                      TargetManager_TapController* tapControllers) {
   VOXTREL_COMPONENT_CALL("TargetManager.GetDiscoveredTapControllers", "jtagChainId=", HexId(jtagChainId));
   Request request("TargetManager.GetDiscoveredTapControllers");
-  const auto taps = Discovered(request.NotNull(tapControllers, "tapControllers"), jtagChainId);
-  if (!taps) return request.code();
-  FillTaps(*taps, maxTapControllerCount, tapControllers);
-  return 0;
+  return AnswerFill(request, tapControllers, "tapControllers", TapRecords{maxTapControllerCount},
+                    [&] { return Discovered(request, jtagChainId); });
 }
 
 uint32_t IsSavedConfigurationAvailable(uint32_t* savedConfigurationAvailable) {
@@ -296,7 +283,7 @@ uint32_t RestoreConfiguration() {
   }
   for (const auto& [chainId, taps] : saved.chains) {
     std::vector<TargetManager_TapController> records(taps.size());
-    FillTaps(taps, static_cast<uint32_t>(taps.size()), records.data());
+    TapRecords{static_cast<uint32_t>(taps.size())}(taps, records.data());
     if (const uint32_t code = SpecifyTopology(chainId, static_cast<uint32_t>(records.size()), records.data()); code != 0)
       return code;
   }
@@ -311,19 +298,14 @@ uint32_t RestoreConfiguration() {
 uint32_t GetAvailableScenarioCount(uint32_t* scenarioCount) {
   VOXTREL_COMPONENT_CALL("TargetManager.GetAvailableScenarioCount");
   Request request("TargetManager.GetAvailableScenarioCount");
-  const LiveTopology* live = request.NotNull(scenarioCount, "scenarioCount").Topology();
-  if (live == nullptr) return request.code();
-  *scenarioCount = static_cast<uint32_t>(live->Layout().Scenarios().size());
-  return 0;
+  return AnswerCount(request, scenarioCount, "scenarioCount", [&] { return InTopology(request, Scenarios); });
 }
 
 uint32_t GetAvailableScenarios(uint32_t maxScenarioCount, char* scenarioNames) {
   VOXTREL_COMPONENT_CALL("TargetManager.GetAvailableScenarios", "max=", maxScenarioCount);
   Request request("TargetManager.GetAvailableScenarios");
-  const LiveTopology* live = request.NotNull(scenarioNames, "scenarioNames").Topology();
-  if (live == nullptr) return request.code();
-  FillNames(live->Layout().Scenarios(), maxScenarioCount, scenarioNames);
-  return 0;
+  return AnswerFill(request, scenarioNames, "scenarioNames", Names(maxScenarioCount),
+                    [&] { return InTopology(request, Scenarios); });
 }
 
 uint32_t SelectScenario(const char* scenarioName) {

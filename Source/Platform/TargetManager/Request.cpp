@@ -64,12 +64,6 @@ const Node* Request::DeviceOfType(uint32_t deviceId, NodeType type) {
   return nullptr;
 }
 
-void FillIds(const std::vector<uint32_t>& ids, uint32_t max, uint32_t* out) {
-  const size_t filled = std::min<size_t>(ids.size(), max);
-  std::copy_n(ids.begin(), filled, out);
-  std::fill(out + filled, out + max, 0u);
-}
-
 void CopyText(const std::string& text, char* buffer, size_t size) {
   const size_t length = std::min(text.size(), size - 1);
   std::memcpy(buffer, text.data(), length);

@@ -66,10 +66,6 @@ class Request {
   std::shared_ptr<target::LiveTopology> topology_;
 };
 
-// Writes the first `max` ids into `out` and zeroes the rest of its `max`
-// entries.
-void FillIds(const std::vector<uint32_t>& ids, uint32_t max, uint32_t* out);
-
 // Copies `text` into a buffer of `size` characters, cut to size - 1 and
 // terminated.
 void CopyText(const std::string& text, char* buffer, size_t size);
