@@ -48,7 +48,7 @@ TEST_F(PreconditionTest, TraceLinesAndChecks) {
   uint32_t count = 0;
   uint32_t id = 0;
   uint32_t suppressed = 7;
-  char names[2][VXT_PRECONDITION_NAME_SIZE] = {};
+  char names[3][VXT_PRECONDITION_NAME_SIZE] = {"", "", "stale"};
   VXT_PreconditionState state = VXT_PreconditionState_True;
   const std::string ok = " ErrorCode = 0x00000000 [ClientID: 3]";
   auto failed = [](const std::string& message, const std::string& out, const char* code) {
@@ -72,6 +72,11 @@ TEST_F(PreconditionTest, TraceLinesAndChecks) {
        {"In  InProc_Precondition::GetPreconditions(deviceId = 0x03000000 maxNumPreconditions = 2) [ClientID: 3]",
         "Out InProc_Precondition::GetPreconditions(preconditionNames = {'probe mode', 'debug enabled'}) ErrorCode = "
         "0x00000000"}},
+      // Fields past the list are emptied, not left as they were.
+      {[&] { preconditions->GetPreconditions(kFirstThread, 3, names[0]); },
+       {"In  InProc_Precondition::GetPreconditions(deviceId = 0x03000000 maxNumPreconditions = 3) [ClientID: 3]",
+        "Out InProc_Precondition::GetPreconditions(preconditionNames = {'probe mode', 'debug enabled', ''}) "
+        "ErrorCode = 0x00000000"}},
       {[&] { preconditions->GetPreconditions(kFirstThread, 0, names[0]); },
        {"In  InProc_Precondition::GetPreconditions(deviceId = 0x03000000 maxNumPreconditions = 0) [ClientID: 3]",
         "Out InProc_Precondition::GetPreconditions(preconditionNames = <EMPTY>) ErrorCode = 0x00000000"}},

@@ -165,7 +165,7 @@ const Item* Named(Request& request, const std::vector<Item>& items, const char* 
 }
 
 constexpr target_manager::NameFields Names(uint32_t max) {
-  return {max, kNameSize, target_manager::PastTheList::Untouched};
+  return {max, kNameSize, target_manager::PastTheList::Emptied};
 }
 
 // The config a request names, its pointers checked.

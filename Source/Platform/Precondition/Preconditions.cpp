@@ -161,7 +161,7 @@ VXT_PreconditionState ThreadState(cpu::CpuBackend& backend) {
 }
 
 constexpr target_manager::NameFields Names(uint32_t max) {
-  return {max, kNameFieldSize, target_manager::PastTheList::Untouched};
+  return {max, kNameFieldSize, target_manager::PastTheList::Emptied};
 }
 
 uint32_t GetNumPreconditions(uint32_t deviceId, uint32_t* count) {
