@@ -2,7 +2,7 @@
 // single bits.
 #include <cstring>
 
-#include "WordStorage.h"
+#include "ObjectStorage.h"
 
 using namespace voxtrel::bitdata;
 
@@ -15,7 +15,9 @@ uint32_t BitData_Copy(const BitData* source, uint64_t sourceOffset, BitData* des
   if (source == nullptr || destination == nullptr) return BITDATA_NULL_ARGUMENT;
   if (uint32_t code = CheckField(*source, sourceOffset, bitSize)) return code;
   if (uint32_t code = CheckField(*destination, destinationOffset, bitSize)) return code;
-  CopyBits(destination->words, destinationOffset, source->words, sourceOffset, bitSize);
+  // Taken before the source is read: it may be the destination.
+  uint64_t* out = WritableWords(*destination);
+  CopyBits(out, destinationOffset, source->words, sourceOffset, bitSize);
   return 0;
 }
 
@@ -57,14 +59,14 @@ uint32_t BitData_SetUpToUInt64(BitData* object, uint64_t bitOffset, uint64_t bit
   if (object == nullptr) return BITDATA_NULL_ARGUMENT;
   if (bitSize > kWordBits) return BITDATA_VALUE_OUT_OF_RANGE;
   if (uint32_t code = CheckField(*object, bitOffset, bitSize)) return code;
-  if (bitSize != 0) StoreBits(object->words, bitOffset, value, bitSize);
+  if (bitSize != 0) StoreBits(WritableWords(*object), bitOffset, value, bitSize);
   return 0;
 }
 
 uint32_t BitData_SetBit(BitData* object, uint64_t bitOffset, bool value) {
   if (object == nullptr) return BITDATA_NULL_ARGUMENT;
   if (bitOffset >= object->bitSize) return BITDATA_BIT_OFFSET_INVALID;
-  uint64_t& word = object->words[bitOffset / kWordBits];
+  uint64_t& word = WritableWords(*object)[bitOffset / kWordBits];
   const uint64_t bit = uint64_t{1} << (bitOffset % kWordBits);
   word = value ? word | bit : word & ~bit;
   return 0;

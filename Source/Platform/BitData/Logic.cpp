@@ -1,5 +1,5 @@
 // Bitwise combination of fields.
-#include "WordStorage.h"
+#include "ObjectStorage.h"
 
 namespace voxtrel::bitdata {
 namespace {
@@ -33,6 +33,8 @@ uint32_t Combine(BitData* destination, uint64_t destinationOffset, const BitData
   if (uint32_t code = CheckField(*right, rightOffset, size)) return code;
   if (size == 0) return 0;
 
+  // Taken before the operands are read: one of them may be the destination.
+  uint64_t* out = WritableWords(*destination);
   const uint64_t* leftWords = left->words;
   const uint64_t* rightWords = right->words;
   const Order leftOrder = OrderFor(destination, destinationOffset, left, leftOffset, size);
@@ -48,7 +50,6 @@ uint32_t Combine(BitData* destination, uint64_t destinationOffset, const BitData
   }
   const bool descending = leftOrder == Order::Descending || rightOrder == Order::Descending;
 
-  uint64_t* out = destination->words;
   if ((destinationOffset | leftOffset | rightOffset) % kWordBits == 0 && !descending) {
     // Word-aligned fields: whole words, then the partial top word.
     const uint64_t full = size / kWordBits;
@@ -90,7 +91,7 @@ uint32_t BitData_BitwiseXor(BitData* destination, uint64_t destinationOffset, co
 
 uint32_t BitData_XorValue(BitData* object, uint64_t bitOffset, uint64_t bitSize, uint64_t value) {
   if (uint32_t code = CheckField(object, bitOffset, bitSize)) return code;
-  uint64_t* words = object->words;
+  uint64_t* words = WritableWords(*object);
   // Rotating the value to each window's field position repeats it every 64
   // bits from the field's bit 0.
   WriteField(words, bitOffset, bitSize, false,

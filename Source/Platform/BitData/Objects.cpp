@@ -1,6 +1,7 @@
 // Creating, resizing and releasing vectors.
 #include <cstring>
 #include <memory>
+#include <new>
 
 #include "ObjectStorage.h"
 #include "WordBlocks.h"
@@ -20,6 +21,32 @@ BitData* NewUnfilledObject(uint64_t bitSize) {
   object->wordCapacity = capacity;
   object->bitSize = bitSize;
   return object.release();
+}
+
+BitData* CopyForReading(const BitData& source) {
+  // Small vectors are copied: sharing them would make every write to any
+  // vector look the storage up while they live.
+  if (source.wordCapacity < kLargeWords) {
+    if (BitData* copy = BitData_CreateManagedFromBitData(&source)) return copy;
+    throw std::bad_alloc();
+  }
+  auto object = std::make_unique<BitData>(source);
+  ShareWords(source.words);
+  return object.release();
+}
+
+uint64_t* WritableWords(BitData& object) {
+  if (!IsShared(object.words)) [[likely]]
+    return object.words;
+  uint64_t capacity = 0;
+  uint64_t* words = AllocateWords(object.wordCapacity, capacity);
+  const uint64_t used = WordsFor(object.bitSize);
+  std::memcpy(words, object.words, used * sizeof(uint64_t));
+  std::memset(words + used, 0, (capacity - used) * sizeof(uint64_t));
+  ReleaseWords(object.words, object.wordCapacity);
+  object.words = words;
+  object.wordCapacity = capacity;
+  return words;
 }
 
 }  // namespace voxtrel::bitdata
@@ -69,7 +96,7 @@ uint32_t BitData_Resize(BitData* object, uint64_t newBitSize) {
   const uint64_t oldBitSize = object->bitSize;
   if (newBitSize < oldBitSize) {
     // Keeps the zero tail: what was cut off must read as zero when it grows back.
-    ClearField(object->words, newBitSize, oldBitSize - newBitSize);
+    ClearField(WritableWords(*object), newBitSize, oldBitSize - newBitSize);
   } else if (WordsFor(newBitSize) + 1 > object->wordCapacity) {
     // Grows by at least half again, so that growing step by step stays linear.
     const uint64_t needed = WordsFor(newBitSize) + 1;

@@ -1,7 +1,7 @@
 // Changes that move or replace a field's bits: reversal, shifts, random fill.
 #include <cstdlib>
 
-#include "WordStorage.h"
+#include "ObjectStorage.h"
 
 namespace voxtrel::bitdata {
 namespace {
@@ -17,7 +17,7 @@ uint64_t ReverseWord(uint64_t value) {
 // Moves the field's bits `distance` places towards its top (upwards) or its
 // bottom, clearing the places they leave.
 void ShiftField(BitData& object, uint64_t offset, uint64_t size, uint64_t distance, bool upwards) {
-  uint64_t* words = object.words;
+  uint64_t* words = WritableWords(object);
   if (distance >= size) {
     ClearField(words, offset, size);
     return;
@@ -52,7 +52,7 @@ using namespace voxtrel::bitdata;
 
 uint32_t BitData_Reverse(BitData* object, uint64_t bitOffset, uint64_t bitSize) {
   if (uint32_t code = CheckField(object, bitOffset, bitSize)) return code;
-  uint64_t* words = object->words;
+  uint64_t* words = WritableWords(*object);
   uint64_t low = bitOffset;
   uint64_t high = bitOffset + bitSize;
   // Swap mirrored 64-bit windows from both ends inwards.
@@ -93,6 +93,6 @@ uint32_t BitData_ShiftRight(BitData* object, uint64_t bitOffset, uint64_t bitSiz
 
 uint32_t BitData_Randomize(BitData* object, uint64_t bitOffset, uint64_t bitSize) {
   if (uint32_t code = CheckField(object, bitOffset, bitSize)) return code;
-  WriteField(object->words, bitOffset, bitSize, false, [](uint64_t) { return RandomWord(); });
+  WriteField(WritableWords(*object), bitOffset, bitSize, false, [](uint64_t) { return RandomWord(); });
   return 0;
 }
