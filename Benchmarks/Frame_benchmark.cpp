@@ -17,6 +17,8 @@
 
 #include "BenchmarkClient.h"
 #include "Common.h"
+#include "Error.h"
+#include "Logging.h"
 #include "InProc_Vxt.h"
 #include "PlatformTestControl.h"
 
@@ -71,6 +73,26 @@ void BM_ServiceCall(benchmark::State& state) {
   general->ClearLogs();  // Keeps the file small between runs
 }
 BENCHMARK(BM_ServiceCall)->ArgName("lowestLevel")->Arg(5)->Arg(1);
+
+// The calls every frame makes into the Logging and Error libraries, alone:
+// with the direct component call they are the least a traced-off call can
+// cost.
+void BM_FrameLevelTest(benchmark::State& state) {
+  Connected();
+  const Voxtrel_LoggerHandle logger = Voxtrel_LoggingGetLogger(1);
+  tc::SetLogLevel(5);
+  for (auto _ : state) benchmark::DoNotOptimize(Voxtrel_LoggingIsLogEnabled(logger, 1));
+}
+BENCHMARK(BM_FrameLevelTest);
+
+void BM_FrameErrorContext(benchmark::State& state) {
+  for (auto _ : state) {
+    const Voxtrel_ErrorContext context = Voxtrel_ErrorEnterContex(1);
+    benchmark::DoNotOptimize(context);
+    Voxtrel_ErrorExitContex(context);
+  }
+}
+BENCHMARK(BM_FrameErrorContext);
 
 // The trace-off call from each of several threads at once, each thread a
 // client of its own: the frame takes no lock and writes nothing shared, so
