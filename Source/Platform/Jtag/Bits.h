@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <vector>
 
+#include <boost/container/small_vector.hpp>
+
 #include "BitData.h"
 #include "OperationReceipt/Receipts.h"
 
@@ -37,7 +39,9 @@ class Bits {
  private:
   void ClearTail();
 
-  std::vector<uint64_t> words_;
+  // Most scans are an instruction or a register of a few dozen bits: their
+  // bits stay in place, without a heap allocation each.
+  boost::container::small_vector<uint64_t, 2> words_;
   size_t size_ = 0;
 };
 

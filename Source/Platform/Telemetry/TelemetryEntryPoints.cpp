@@ -42,6 +42,5 @@ void Telemetry_EndSession(const char* session) {
 
 void Telemetry_CountEvent(const char* session, const char* event, const char* key, const char* value) {
   TelemetryStore& store = TelemetryStore::Instance();
-  store.RecordCall("CountEvent", {Text(session), Text(event), Text(key), Text(value)});
-  store.Count(Text(session), Text(event), Text(key), Text(value));
+  store.CountAndRecord({Text(session), Text(event), Text(key), Text(value)});
 }

@@ -45,10 +45,15 @@ TelemetryStore::Sent TelemetryStore::Send(const std::string& session, const std:
   return sent;
 }
 
-void TelemetryStore::Count(const std::string& session, const std::string& event, const std::string& key,
-                           const std::string& value) {
+void TelemetryStore::CountAndRecord(std::vector<std::string> args) {
+  args.resize(4);
+  // Looked up by reference: the key's strings are made only for a new counter.
+  const auto lookedUp = std::tie(args[0], args[1], args[2], args[3]);
   std::lock_guard lock(mutex_);
-  ++counters_[{session, event, key, value}];
+  auto found = counters_.find(lookedUp);
+  if (found == counters_.end()) found = counters_.emplace(CounterKey(lookedUp), 0).first;
+  ++found->second;
+  PushBounded(calls_, testing::TelemetryCall{"CountEvent", std::move(args)});
 }
 
 std::vector<testing::TelemetryCall> TelemetryStore::Calls() {

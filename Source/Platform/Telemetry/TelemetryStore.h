@@ -40,8 +40,9 @@ class TelemetryStore {
     std::optional<std::pair<std::string, std::string>> sessionKey;
   };
   Sent Send(const std::string& session, const std::string& event);
-  void Count(const std::string& session, const std::string& event, const std::string& key,
-             const std::string& value);
+  // Counts the event of `args` (session, event, key, value) and records the
+  // call, under one lock: every counted call of the interface library does.
+  void CountAndRecord(std::vector<std::string> args);
 
   std::vector<testing::TelemetryCall> Calls();
   void ClearCalls();
@@ -58,7 +59,7 @@ class TelemetryStore {
   std::mutex mutex_;
   std::map<std::string, std::pair<std::string, std::string>> sessions_;
   std::map<std::string, Fields> pendingFields_;
-  std::map<CounterKey, uint64_t> counters_;
+  std::map<CounterKey, uint64_t, std::less<>> counters_;
   std::deque<testing::TelemetryCall> calls_;
   std::deque<testing::TelemetryEvent> sent_;
 };
