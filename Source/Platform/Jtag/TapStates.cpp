@@ -70,7 +70,7 @@ std::optional<TapState> TapStateFromValue(uint32_t value) {
 
 TapState NextTapState(TapState state, bool tms) { return kNext[Index(state)][tms ? 1 : 0]; }
 
-std::vector<bool> TmsPath(TapState from, TapState to) {
+const std::vector<bool>& TmsPath(TapState from, TapState to) {
   static const Paths paths = BuildPaths();
   return paths[Index(from)][Index(to)];
 }

@@ -23,7 +23,7 @@ TapState NextTapState(TapState state, bool tms);
 
 // The TMS values of the shortest walk from `from` to `to`; empty when they
 // are the same state.
-std::vector<bool> TmsPath(TapState from, TapState to);
+const std::vector<bool>& TmsPath(TapState from, TapState to);
 
 // The TMS value that keeps the controller in a state it can stay in (TLR,
 // RTI, the shift and pause states); empty for the others.
