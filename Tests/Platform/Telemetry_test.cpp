@@ -85,6 +85,13 @@ TEST_F(TelemetryTest, TheRecordOfCallsKeepsTheLatestTenThousand) {
   ASSERT_EQ(calls.size(), 10000u);
   EXPECT_EQ(calls.front().args[3], "5");
   EXPECT_EQ(calls.back().args[3], "10004");
+
+  // A record that takes an old one's place has its own texts only.
+  Telemetry_EndSession("S");
+  const std::vector<tc::TelemetryCall> after = tc::TelemetryCalls();
+  ASSERT_EQ(after.size(), 10000u);
+  EXPECT_EQ(after.front().args[3], "6");
+  EXPECT_EQ(after.back(), (tc::TelemetryCall{"EndSession", {"S"}}));
 }
 
 TEST_F(TelemetryTest, ThreadsBuildingTheirOwnEventsKeepTheirFields) {

@@ -11,6 +11,7 @@ using voxtrel::platform::telemetry::TelemetryStore;
 namespace {
 
 std::string Text(const char* text) { return text != nullptr ? std::string(text) : std::string(); }
+std::string_view View(const char* text) { return text != nullptr ? std::string_view(text) : std::string_view(); }
 
 }  // namespace
 
@@ -42,5 +43,5 @@ void Telemetry_EndSession(const char* session) {
 
 void Telemetry_CountEvent(const char* session, const char* event, const char* key, const char* value) {
   TelemetryStore& store = TelemetryStore::Instance();
-  store.CountAndRecord({Text(session), Text(event), Text(key), Text(value)});
+  store.CountAndRecord(View(session), View(event), View(key), View(value));
 }

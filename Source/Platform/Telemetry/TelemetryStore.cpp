@@ -1,5 +1,7 @@
 #include "Telemetry/TelemetryStore.h"
 
+#include <initializer_list>
+
 namespace voxtrel::platform::telemetry {
 namespace {
 
@@ -18,7 +20,7 @@ TelemetryStore& TelemetryStore::Instance() {
 
 void TelemetryStore::RecordCall(std::string function, std::vector<std::string> args) {
   std::lock_guard lock(mutex_);
-  PushBounded(calls_, testing::TelemetryCall{std::move(function), std::move(args)});
+  calls_.Add(function, args);
 }
 
 void TelemetryStore::BeginSession(const std::string& session, const std::string& key, const std::string& value) {
@@ -45,25 +47,27 @@ TelemetryStore::Sent TelemetryStore::Send(const std::string& session, const std:
   return sent;
 }
 
-void TelemetryStore::CountAndRecord(std::vector<std::string> args) {
-  args.resize(4);
-  // Looked up by reference: the key's strings are made only for a new counter.
-  const auto lookedUp = std::tie(args[0], args[1], args[2], args[3]);
+void TelemetryStore::CountAndRecord(std::string_view session, std::string_view event, std::string_view key,
+                                    std::string_view value) {
+  // Looked up by the texts as given: a key's strings are made only for a new counter.
+  const std::tuple<std::string_view, std::string_view, std::string_view, std::string_view> texts{session, event, key,
+                                                                                                 value};
   std::lock_guard lock(mutex_);
-  auto found = counters_.find(lookedUp);
-  if (found == counters_.end()) found = counters_.emplace(CounterKey(lookedUp), 0).first;
+  auto found = counters_.find(texts);
+  if (found == counters_.end())
+    found = counters_.emplace(CounterKey(std::string(session), std::string(event), std::string(key), std::string(value)), 0).first;
   ++found->second;
-  PushBounded(calls_, testing::TelemetryCall{"CountEvent", std::move(args)});
+  calls_.Add("CountEvent", std::initializer_list<std::string_view>{session, event, key, value});
 }
 
 std::vector<testing::TelemetryCall> TelemetryStore::Calls() {
   std::lock_guard lock(mutex_);
-  return {calls_.begin(), calls_.end()};
+  return calls_.InOrder();
 }
 
 void TelemetryStore::ClearCalls() {
   std::lock_guard lock(mutex_);
-  calls_.clear();
+  calls_.Clear();
 }
 
 std::vector<testing::TelemetryEvent> TelemetryStore::SentEvents() {
@@ -83,7 +87,7 @@ void TelemetryStore::Reset() {
   sessions_.clear();
   pendingFields_.clear();
   counters_.clear();
-  calls_.clear();
+  calls_.Clear();
   sent_.clear();
 }
 

@@ -11,11 +11,13 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <utility>
 #include <vector>
 
 #include "PlatformTestControl.h"
+#include "Telemetry/CallRecords.h"
 
 namespace voxtrel::platform::telemetry {
 
@@ -40,9 +42,10 @@ class TelemetryStore {
     std::optional<std::pair<std::string, std::string>> sessionKey;
   };
   Sent Send(const std::string& session, const std::string& event);
-  // Counts the event of `args` (session, event, key, value) and records the
-  // call, under one lock: every counted call of the interface library does.
-  void CountAndRecord(std::vector<std::string> args);
+  // Counts the event and records the call, under one lock: every counted
+  // call of the interface library does.
+  void CountAndRecord(std::string_view session, std::string_view event, std::string_view key,
+                      std::string_view value);
 
   std::vector<testing::TelemetryCall> Calls();
   void ClearCalls();
@@ -60,7 +63,7 @@ class TelemetryStore {
   std::map<std::string, std::pair<std::string, std::string>> sessions_;
   std::map<std::string, Fields> pendingFields_;
   std::map<CounterKey, uint64_t, std::less<>> counters_;
-  std::deque<testing::TelemetryCall> calls_;
+  CallRecords calls_{kRecordLimit};
   std::deque<testing::TelemetryEvent> sent_;
 };
 
