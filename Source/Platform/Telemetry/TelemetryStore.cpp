@@ -50,8 +50,7 @@ TelemetryStore::Sent TelemetryStore::Send(const std::string& session, const std:
 void TelemetryStore::CountAndRecord(std::string_view session, std::string_view event, std::string_view key,
                                     std::string_view value) {
   // Looked up by the texts as given: a key's strings are made only for a new counter.
-  const std::tuple<std::string_view, std::string_view, std::string_view, std::string_view> texts{session, event, key,
-                                                                                                 value};
+  const CounterTexts texts{session, event, key, value};
   std::lock_guard lock(mutex_);
   auto found = counters_.find(texts);
   if (found == counters_.end())

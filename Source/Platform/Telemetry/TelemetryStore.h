@@ -5,6 +5,7 @@
 // and counted once per counted operation, never on a hot path of its own.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <deque>
 #include <map>
@@ -58,11 +59,25 @@ class TelemetryStore {
 
  private:
   using CounterKey = std::tuple<std::string, std::string, std::string, std::string>;
+  using CounterTexts = std::array<std::string_view, 4>;
+  // Orders keys and texts alike, so that a counter is found by the texts as
+  // given, without making strings of them.
+  struct CounterOrder {
+    using is_transparent = void;
+    static CounterTexts Texts(const CounterKey& key) {
+      return {std::get<0>(key), std::get<1>(key), std::get<2>(key), std::get<3>(key)};
+    }
+    static const CounterTexts& Texts(const CounterTexts& texts) { return texts; }
+    template <class Left, class Right>
+    bool operator()(const Left& left, const Right& right) const {
+      return Texts(left) < Texts(right);
+    }
+  };
 
   std::mutex mutex_;
   std::map<std::string, std::pair<std::string, std::string>> sessions_;
   std::map<std::string, Fields> pendingFields_;
-  std::map<CounterKey, uint64_t, std::less<>> counters_;
+  std::map<CounterKey, uint64_t, CounterOrder> counters_;
   CallRecords calls_{kRecordLimit};
   std::deque<testing::TelemetryEvent> sent_;
 };
