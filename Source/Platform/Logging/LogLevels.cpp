@@ -27,6 +27,10 @@ StreamLogger& LoggerOf(uint32_t stream) {
   return switches.loggers[stream < kStreamCount ? stream : 0];
 }
 
+StreamLogger& LoggerOf(void* handle) {
+  return handle != nullptr ? *static_cast<StreamLogger*>(handle) : LoggerOf(uint32_t{0});
+}
+
 void SetLowestLevel(uint32_t stream, uint32_t level) {
   LoggerOf(stream).lowestLevel.store(level, std::memory_order_relaxed);
 }

@@ -33,11 +33,8 @@ struct StreamLogger {
 // The logger of a stream. Numbers outside the table share the logger of
 // stream 0, so that any number gives a usable handle.
 StreamLogger& LoggerOf(uint32_t stream);
-// The logger behind a handle; a null handle is stream 0's. Inline, as every
-// call of the interface library asks it twice whether a level is written.
-inline StreamLogger& LoggerOf(void* handle) {
-  return handle != nullptr ? *static_cast<StreamLogger*>(handle) : LoggerOf(uint32_t{0});
-}
+// The logger behind a handle; a null handle is stream 0's.
+StreamLogger& LoggerOf(void* handle);
 
 void SetLowestLevel(uint32_t stream, uint32_t level);
 void SetLowestLevelOfAllStreams(uint32_t level);

@@ -53,8 +53,10 @@ void TelemetryStore::CountAndRecord(std::string_view session, std::string_view e
   const CounterTexts texts{session, event, key, value};
   std::lock_guard lock(mutex_);
   auto found = counters_.find(texts);
-  if (found == counters_.end())
-    found = counters_.emplace(CounterKey(std::string(session), std::string(event), std::string(key), std::string(value)), 0).first;
+  if (found == counters_.end()) {
+    CounterKey made{std::string(session), std::string(event), std::string(key), std::string(value)};
+    found = counters_.emplace(std::move(made), 0).first;
+  }
   ++found->second;
   calls_.Add("CountEvent", std::initializer_list<std::string_view>{session, event, key, value});
 }

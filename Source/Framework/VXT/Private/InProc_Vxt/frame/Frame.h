@@ -248,8 +248,8 @@ void RunBody(Call& call, Body& body) {
 }
 
 template <class OutArgs, class Body>
-[[gnu::always_inline]] inline int32_t RunInContext(const ServiceLogger& logger, const OperationSite& site, Voxtrel_ErrorContext context,
-                     const OutArgs& out, Body& body) {
+[[gnu::always_inline]] inline int32_t RunInContext(const ServiceLogger& logger, const OperationSite& site,
+                                                   Voxtrel_ErrorContext context, const OutArgs& out, Body& body) {
   Call call(site);
   RunBody(call, body);
   call.PostMessage();
